@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/Export.h"
+
+namespace Tarnex::Proc {
+
+/// A tree of named values: settings of a coder, statistics of a stream.
+class TARNEX_API Property {
+public:
+    explicit Property(std::string name = {}, std::string value = {});
+
+    /// An unnamed property to collect others in.
+    static Property GetRootItem();
+
+    /// A property of that name with the items "time" (nanoseconds) and "count".
+    static Property MakeStatistics(const std::string& name, std::chrono::nanoseconds time,
+                                   std::uint64_t count);
+
+    void Add(Property item);
+
+    const std::string& GetName() const { return name; }
+    const std::string& GetValue() const { return value; }
+    const std::vector<Property>& GetItems() const { return items; }
+
+    /// The value of the first item of that name; empty if there is none.
+    std::string Get(const std::string& itemName) const;
+
+private:
+    std::string name;
+    std::string value;
+    std::vector<Property> items;
+};
+
+}  // namespace Tarnex::Proc

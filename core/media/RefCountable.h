@@ -1,0 +1,59 @@
+#pragma once
+
+#include <atomic>
+#include <boost/intrusive_ptr.hpp>
+
+#include "core/Export.h"
+
+namespace Tarnex::Proc {
+
+/// Lifetime of media objects: made with new, held by intrusive pointers, gone with the last
+/// release. The count may be changed from any thread.
+class TARNEX_TYPE IRefCountable {
+public:
+    virtual ~IRefCountable() = default;
+    virtual int AddRef() const = 0;
+    virtual int GetRefCount() const = 0;
+    virtual int Release() const = 0;
+};
+
+inline void intrusive_ptr_add_ref(const IRefCountable* object) {
+    object->AddRef();
+}
+inline void intrusive_ptr_release(const IRefCountable* object) {
+    object->Release();
+}
+
+/// The count itself, 0 at first.
+class RefCountImpl {
+public:
+    int AddRefImpl() const { return ++count; }
+    int GetRefCountImpl() const { return count; }
+    int ReleaseImpl() const { return --count; }
+
+private:
+    mutable std::atomic<int> count = 0;
+};
+
+/// Gives an interface its three counting operations.
+template <class Interface>
+class RefCounted : public Interface {
+public:
+    int AddRef() const override { return refCount.AddRefImpl(); }
+    int GetRefCount() const override { return refCount.GetRefCountImpl(); }
+    int Release() const override {
+        const int left = refCount.ReleaseImpl();
+        if (left == 0) {
+            delete this;
+        }
+        return left;
+    }
+
+private:
+    RefCountImpl refCount;
+};
+
+template <class T>
+using Pointer = boost::intrusive_ptr<T>;
+
+}  // namespace Tarnex::Proc

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <boost/filesystem.hpp>
+#include <string>
+#include <utility>
+
+namespace Tarnex {
+
+/// A file system path in UTF-8. On Linux the bytes are the file system's own and travel unchanged,
+/// also where they aren't UTF-8.
+class ioPath {
+public:
+    ioPath() = default;
+    ioPath(std::string text) : path(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+    ioPath(const char* text) : path(text) {}             // NOLINT(google-explicit-constructor)
+
+    bool empty() const { return path.empty(); }
+
+    /// True if a file or directory of this name can be reached; whatever hinders that gives false.
+    bool exists() const {
+        boost::system::error_code ignored;
+        return boost::filesystem::exists(path, ignored);
+    }
+
+    std::string utf8string() const { return path.string(); }
+
+    /// The last component.
+    ioPath filename() const { return ioPath(path.filename()); }
+
+    ioPath operator/(const ioPath& right) const { return ioPath(path / right.path); }
+
+    /// The entries of this directory, one level, in the file system's order.
+    /// Throws `boost::filesystem::filesystem_error` if it can't be read.
+    boost::filesystem::directory_iterator iterator() const {
+        return boost::filesystem::directory_iterator(path);
+    }
+
+private:
+    explicit ioPath(boost::filesystem::path path) : path(std::move(path)) {}
+
+    boost::filesystem::path path;
+};
+
+}  // namespace Tarnex
