@@ -1,0 +1,101 @@
+#include "support/ListFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "core/media/CoreManagerOptions.h"
+#include "core/support/Exception.h"
+#include "core/support/Text.h"
+#include "platform/WideText.h"
+#include "support/Split.h"
+
+namespace Tarnex::Core::Utils {
+namespace {
+
+constexpr char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
+
+class ListReader {
+public:
+    ListReader(std::istream& source, const std::string& name, const KeyCheck& isKey)
+        : source(source), name(name), isKey(isKey) {}
+
+    std::map<std::string, std::vector<std::string>> Read() {
+        for (std::string line; errno = 0, std::getline(source, line);) {
+            ++number;
+            if (number == 1 && line.starts_with(BYTE_ORDER_MARK)) {
+                line.erase(0, std::strlen(BYTE_ORDER_MARK));
+            }
+            TakeLine(line);
+        }
+        if (source.bad()) {
+            ++number;
+            Fail(std::string("can't be read: ") + std::strerror(errno));
+        }
+        return std::move(lists);
+    }
+
+private:
+    void TakeLine(std::string& line) {
+        if (!Platform::IsUtf8(line)) {
+            Fail("not UTF-8");
+        }
+        if (line.starts_with('#') || TrimAll(line).empty()) {
+            return;
+        }
+        const std::size_t colon = line.find(':');
+        if (colon == std::string::npos) {
+            Fail("no colon in \"" + line + "\"");
+        }
+        std::string key = line.substr(0, colon);
+        if (!isKey(TrimAll(key))) {
+            Fail("unknown key \"" + key + "\"");
+        }
+        const std::vector<std::string> values = SplitNames(line.substr(colon + 1));
+        std::vector<std::string>& list = lists[key];
+        list.insert(list.end(), values.begin(), values.end());
+    }
+
+    [[noreturn]] void Fail(const std::string& reason) const {
+        throw Exception(name + ", line " + std::to_string(number) + ": " + reason);
+    }
+
+    std::istream& source;
+    const std::string& name;
+    const KeyCheck& isKey;
+    std::size_t number = 0;
+    std::map<std::string, std::vector<std::string>> lists;
+};
+
+}  // namespace
+
+std::map<std::string, std::vector<std::string>> ReadList(std::istream& source,
+                                                         const std::string& name,
+                                                         const KeyCheck& isKey) {
+    return ListReader(source, name, isKey).Read();
+}
+
+std::map<std::string, std::vector<std::string>> ReadListFile(const ioPath& path,
+                                                             const KeyCheck& isKey) {
+    const std::string name = '"' + path.utf8string() + '"';
+    errno = 0;
+    std::ifstream file(path.utf8string(), std::ios::binary);
+    if (!file) {
+        throw Exception(name + ", line 1: can't be opened: " + std::strerror(errno));
+    }
+    return ReadList(file, name, isKey);
+}
+
+bool IsCodecListKey(const std::string& key) {
+    for (const CoderType type : {CoderType::Decoder, CoderType::Encoder}) {
+        const std::string mark = BlackListCodecOption(type, "");
+        if (key.starts_with(mark)) {
+            return key.size() > mark.size() &&
+                   key.find_first_of(".,: \t", mark.size()) == std::string::npos;
+        }
+    }
+    return false;
+}
+
+}  // namespace Tarnex::Core::Utils
