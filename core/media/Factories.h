@@ -10,7 +10,7 @@
 
 namespace Tarnex::Proc {
 
-/// A module of our own interface can't be used.
+/// A module can't be used.
 class TARNEX_TYPE CodecFactoryErrorException : public Exception {
 public:
     using Exception::Exception;
