@@ -1,6 +1,7 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <memory>
-#include <string>
 
 #include "core/support/Exception.h"
 #include "mediacore/FrameTiming.h"
@@ -45,13 +46,12 @@ class FactoryDataAudio : public RefCounted<IFactoryDataAudio> {
 public:
     Pointer<IFrameAudio> CreateFrame(const SampleInfo& info, int blocks) override {
         if (info.format != SampleFormats::S16 || !IsKnown(info.layout) || info.rate < 1) {
-            throw Exception("No audio frames of sample format " +
-                            std::to_string(static_cast<int>(info.format)) + ", channel layout " +
-                            std::to_string(static_cast<int>(info.layout)) + ", rate " +
-                            std::to_string(info.rate));
+            throw Exception(fmt::format(
+                "No audio frames of sample format {}, channel layout {}, rate {}",
+                static_cast<int>(info.format), static_cast<int>(info.layout), info.rate));
         }
         if (blocks < 1 || blocks > MAX_BLOCKS) {
-            throw Exception("No audio frames of " + std::to_string(blocks) + " blocks");
+            throw Exception(fmt::format("No audio frames of {} blocks", blocks));
         }
         return new FrameAudio(info, static_cast<std::size_t>(blocks) * SAMPLES_PER_BLOCK);
     }

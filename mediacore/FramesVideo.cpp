@@ -1,6 +1,8 @@
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <boost/align/aligned_allocator.hpp>
-#include <string>
+#include <cstring>
+#include <memory>
 
 #include "core/support/Exception.h"
 #include "mediacore/FrameTiming.h"
@@ -17,6 +19,11 @@ constexpr std::uint8_t NEUTRAL_CHROMA = 128;
 
 /// Above what any coder takes, and far below where sizes in bytes overflow an int.
 constexpr int MAX_SIDE = 16384;
+
+/// Rows are multiples of it, so that memory of blocks holds whole planes.
+struct alignas(ALIGNMENT) Block {
+    std::uint8_t bytes[ALIGNMENT];
+};
 
 constexpr int Align(int size) {
     return (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
@@ -49,8 +56,9 @@ private:
         for (const Plane& plane : layout) {
             size += PlaneSize(plane);
         }
-        memory.assign(size, NEUTRAL_CHROMA);
-        std::uint8_t* next = memory.data();
+        memory = std::make_unique_for_overwrite<Block[]>(size / ALIGNMENT);
+        std::memset(memory.get(), NEUTRAL_CHROMA, size);
+        auto* next = reinterpret_cast<std::uint8_t*>(memory.get());
         for (Plane& plane : layout) {
             plane.data = next;
             next += PlaneSize(plane);
@@ -76,7 +84,7 @@ private:
     ColorSpace colorSpace;
     PixFmt pixelFormat;
     FrameInfo frameInfo;
-    std::vector<std::uint8_t, boost::alignment::aligned_allocator<std::uint8_t, ALIGNMENT>> memory;
+    std::unique_ptr<Block[]> memory;
     std::vector<Plane> planes;
 };
 
@@ -85,12 +93,12 @@ public:
     Pointer<IFrameVideo> CreateFrame(const ColorSpace& space, PixFmt format,
                                      const FrameInfo& info) override {
         if (format != PixFmt::Nv12 && format != PixFmt::Yuv420p) {
-            throw Exception("No video frames of pixel format " +
-                            std::to_string(static_cast<int>(format)));
+            throw Exception(
+                fmt::format("No video frames of pixel format {}", static_cast<int>(format)));
         }
         if (std::min(info.width, info.height) < 1 || std::max(info.width, info.height) > MAX_SIDE) {
-            throw Exception("No video frames of " + std::to_string(info.width) + " by " +
-                            std::to_string(info.height) + " pixels");
+            throw Exception(
+                fmt::format("No video frames of {} by {} pixels", info.width, info.height));
         }
         return new FrameVideo(space, format, info);
     }

@@ -1,0 +1,29 @@
+#include <fmt/format.h>
+#include <vamp/vamp.h>
+
+#include "core/media/Factories.h"
+#include "mediacore/PluginList.h"
+#include "mediacore/SharedLibrary.h"
+
+namespace Tarnex::Proc {
+
+std::vector<std::string> AnalyzerFactory::GetPluginList() {
+    return Core::GetPlugins("AnalyzerFactory");
+}
+
+void AnalyzerFactory::TryToLoadModule(const std::string& plugin) {
+    const Core::SharedLibrary library(Core::SharedLibrary::FindFile(plugin));
+    auto* const describe =
+        library.Get<decltype(vampGetPluginDescriptor)>("vampGetPluginDescriptor");
+    const VampPluginDescriptor* descriptor = describe(VAMP_API_VERSION, 0);
+    if (descriptor == nullptr) {
+        library.Refuse("describes no analyser");
+    }
+    // Version 1 lacks operations at the end of the descriptor alone.
+    if (descriptor->vampApiVersion < 1 || descriptor->vampApiVersion > VAMP_API_VERSION) {
+        library.Refuse(fmt::format("has version {} of the Vamp interface instead of {}",
+                                   descriptor->vampApiVersion, VAMP_API_VERSION));
+    }
+}
+
+}  // namespace Tarnex::Proc

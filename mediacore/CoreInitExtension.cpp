@@ -1,0 +1,12 @@
+#include "core/support/CoreInitExtension.h"
+
+#include "mediacore/ModuleRegistry.h"
+
+namespace Tarnex::Core::Utils {
+
+std::vector<std::pair<std::string, CoreInitExtension::DeinitHandler>>
+CoreInitExtension::GetDeinitHandlers() {
+    return GetShutdownHandlers();
+}
+
+}  // namespace Tarnex::Core::Utils

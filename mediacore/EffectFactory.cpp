@@ -1,0 +1,66 @@
+#include <fmt/format.h>
+#include <frei0r.h>
+
+#include "core/media/Factories.h"
+#include "mediacore/LoadOnce.h"
+#include "mediacore/PluginList.h"
+#include "mediacore/SharedLibrary.h"
+
+namespace Tarnex::Proc {
+namespace {
+
+using Core::SharedLibrary;
+
+/// What every plugin of 1.8.0 gives; the interface itself leaves the value open.
+constexpr int INITIALISED = 1;
+
+/// Mixers take several pictures and have another operation for it.
+bool IsMixer(const f0r_plugin_info_t& info) {
+    return info.plugin_type == F0R_PLUGIN_TYPE_MIXER2 || info.plugin_type == F0R_PLUGIN_TYPE_MIXER3;
+}
+
+void RequireOperations(const SharedLibrary& library) {
+    library.Get<decltype(f0r_deinit)>("f0r_deinit");
+    library.Get<decltype(f0r_get_param_info)>("f0r_get_param_info");
+    library.Get<decltype(f0r_construct)>("f0r_construct");
+    library.Get<decltype(f0r_destruct)>("f0r_destruct");
+    library.Get<decltype(f0r_set_param_value)>("f0r_set_param_value");
+    library.Get<decltype(f0r_get_param_value)>("f0r_get_param_value");
+}
+
+f0r_plugin_info_t Load(const std::string& file) {
+    const SharedLibrary library(file);
+    auto* const initialise = library.Get<decltype(f0r_init)>("f0r_init");
+    auto* const getInfo = library.Get<decltype(f0r_get_plugin_info)>("f0r_get_plugin_info");
+    RequireOperations(library);
+
+    const int initialised = initialise();
+    if (initialised < INITIALISED) {
+        library.Refuse(fmt::format("refused to initialise ({})", initialised));
+    }
+    f0r_plugin_info_t info{};
+    getInfo(&info);
+    if (info.frei0r_version != FREI0R_MAJOR_VERSION) {
+        library.Refuse(fmt::format("has version {} of the frei0r interface instead of {}",
+                                   info.frei0r_version, FREI0R_MAJOR_VERSION));
+    }
+    if (info.name == nullptr) {
+        library.Refuse("describes no effect");
+    }
+    library.Get<void()>(IsMixer(info) ? "f0r_update2" : "f0r_update");
+    return info;
+}
+
+}  // namespace
+
+std::vector<std::string> EffectFactory::GetPluginList() {
+    return Core::GetPlugins("EffectFactory");
+}
+
+void EffectFactory::TryToLoadModule(const std::string& plugin) {
+    static auto& once = *new Core::LoadOnce<f0r_plugin_info_t>();
+    const std::string file = SharedLibrary::FindFile(plugin);
+    once(file, [&] { return Load(file); });
+}
+
+}  // namespace Tarnex::Proc

@@ -1,0 +1,43 @@
+#include <fmt/format.h>
+
+#include "core/media/Factories.h"
+#include "mediacore/ModuleRegistry.h"
+#include "mediacore/PluginList.h"
+
+namespace Tarnex::Proc {
+namespace {
+
+template <class Kind>
+void RequireKind(const std::string& plugin, Kind* Module::Description::*kind, const char* name) {
+    if (Core::LoadModule(plugin).*kind == nullptr) {
+        throw CodecFactoryErrorException(fmt::format("Plugin {} offers no {}", plugin, name));
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> CodecFactoryImpl::GetPluginList() {
+    return Core::GetPlugins("CodecFactory");
+}
+
+void CodecFactoryImpl::TryToLoadModule(const std::string& plugin) {
+    RequireKind(plugin, &Module::Description::codecs, "codecs");
+}
+
+std::vector<std::string> MuxerFactoryImpl::GetPluginList() {
+    return Core::GetPlugins("MuxerFactory");
+}
+
+void MuxerFactoryImpl::TryToLoadModule(const std::string& plugin) {
+    RequireKind(plugin, &Module::Description::muxer, "muxer");
+}
+
+std::vector<std::string> ParserFactoryImpl::GetPluginList() {
+    return Core::GetPlugins("ParserFactory");
+}
+
+void ParserFactoryImpl::TryToLoadModule(const std::string& plugin) {
+    RequireKind(plugin, &Module::Description::parser, "parser");
+}
+
+}  // namespace Tarnex::Proc

@@ -1,0 +1,82 @@
+#include "mediacore/ModuleRegistry.h"
+
+#include <fmt/format.h>
+
+#include <mutex>
+
+#include "mediacore/LoadOnce.h"
+#include "mediacore/SharedLibrary.h"
+
+namespace Tarnex::Core {
+namespace {
+
+/// Never destroyed: the watch-dog may end the process while a module is being loaded.
+struct Registry {
+    LoadOnce<Module::Description> modules;
+    std::mutex mutex;
+    ShutdownHandlers handlers;  // guarded by mutex
+};
+
+Registry& GetRegistry() {
+    static Registry& registry = *new Registry();
+    return registry;
+}
+
+void RequireVersion(const SharedLibrary& library) {
+    const auto version = library.Get<Module::VersionFunction>("TarnexModuleVersion")();
+    if (version != Module::VERSION) {
+        library.Refuse(fmt::format("has version {} of the module interface instead of {}", version,
+                                   Module::VERSION));
+    }
+}
+
+void Remember(const std::string& plugin, const SharedLibrary& library) {
+    auto* const shutdown = library.Find<Module::ShutdownFunction>("TarnexModuleShutdown");
+    if (shutdown != nullptr) {
+        Registry& registry = GetRegistry();
+        const std::lock_guard lock(registry.mutex);
+        registry.handlers.emplace_back(plugin, shutdown);
+    }
+}
+
+/// Implementation names become parts of keys and of lists joined by commas.
+void RequireUsableName(const SharedLibrary& library, Module::ICodecModule& codecs) {
+    const std::string implementation = codecs.GetImplementation();
+    if (implementation.empty() || implementation.find_first_of(".,: \t\r\n") != std::string::npos) {
+        library.Refuse(fmt::format("has an unusable implementation name \"{}\"", implementation));
+    }
+}
+
+Module::Description Load(const std::string& plugin, const std::string& file) {
+    const SharedLibrary library(file);
+    RequireVersion(library);
+    auto* const initialise = library.Get<Module::InitializeFunction>("TarnexModuleInitialize");
+    Module::Description description;
+    if (!initialise(description)) {
+        library.Refuse("refused to initialise");
+    }
+    Remember(plugin, library);
+    const auto& [codecs, parser, muxer, ogl] = description;
+    if (codecs == nullptr && parser == nullptr && muxer == nullptr && ogl == nullptr) {
+        library.Refuse("offers nothing");
+    }
+    if (codecs != nullptr) {
+        RequireUsableName(library, *codecs);
+    }
+    return description;
+}
+
+}  // namespace
+
+const Module::Description& LoadModule(const std::string& plugin) {
+    const std::string file = SharedLibrary::FindFile(plugin);
+    return GetRegistry().modules(file, [&] { return Load(plugin, file); });
+}
+
+ShutdownHandlers GetShutdownHandlers() {
+    Registry& registry = GetRegistry();
+    const std::lock_guard lock(registry.mutex);
+    return {registry.handlers.rbegin(), registry.handlers.rend()};
+}
+
+}  // namespace Tarnex::Core
