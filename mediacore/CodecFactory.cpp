@@ -1,0 +1,140 @@
+#include "core/media/CodecFactory.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/media/Presets.h"
+#include "mediacore/StartedModules.h"
+
+namespace Tarnex::Proc {
+namespace {
+
+using Codecs = std::vector<std::string>;
+using Core::CoderType;
+using Core::StartedModules;
+using Module::ICodecModule;
+
+bool Holds(const Codecs& codecs, const std::string& codecId) {
+    return std::find(codecs.begin(), codecs.end(), codecId) != codecs.end();
+}
+
+/// Chooses the module; the module makes the coder.
+class CodecFactory : public RefCounted<ICodecFactory> {
+public:
+    explicit CodecFactory(std::shared_ptr<const StartedModules> modules)
+        : modules(std::move(modules)) {}
+
+    Pointer<IStreamVideo> CreateVideoDecoder(const Pointer<ICodedStream>& input,
+                                             const std::string& implementation) override {
+        ICodecModule* const module = FindDecoder(*input, implementation);
+        return module ? module->CreateVideoDecoder(input) : nullptr;
+    }
+
+    Pointer<IStreamAudio> CreateAudioDecoder(const Pointer<ICodedStream>& input,
+                                             const std::string& implementation) override {
+        ICodecModule* const module = FindDecoder(*input, implementation);
+        return module ? module->CreateAudioDecoder(input) : nullptr;
+    }
+
+    Pointer<ICodedStream> CreateVideoEncoder(const Pointer<IStreamVideo>& stream,
+                                             const Property& property,
+                                             const std::string& implementation,
+                                             const Pointer<IRefCountable>& /*reserved*/) override {
+        ICodecModule* const module = FindEncoder(property, &implementation);
+        return module ? module->CreateVideoEncoder(stream, property) : nullptr;
+    }
+
+    Pointer<ICodedStream> CreateDefaultVideoEncoder(const Pointer<IStreamVideo>& stream,
+                                                    const Property& property) override {
+        ICodecModule* const module = FindEncoder(property, nullptr);
+        return module ? module->CreateVideoEncoder(stream, property) : nullptr;
+    }
+
+    Pointer<ICodedStream> CreateAudioEncoder(const Pointer<IStreamAudio>& stream,
+                                             const Property& property,
+                                             const std::string& implementation,
+                                             const Pointer<IRefCountable>& /*reserved*/) override {
+        ICodecModule* const module = FindEncoder(property, &implementation);
+        return module ? module->CreateAudioEncoder(stream, property) : nullptr;
+    }
+
+    Pointer<ICodedStream> CreateDefaultAudioEncoder(const Pointer<IStreamAudio>& stream,
+                                                    const Property& property) override {
+        ICodecModule* const module = FindEncoder(property, nullptr);
+        return module ? module->CreateAudioEncoder(stream, property) : nullptr;
+    }
+
+    Codecs GetDecoderCodecs(const std::string& implementation) override {
+        return GetCodecs(CoderType::Decoder, implementation);
+    }
+
+    Codecs GetEncoderCodecs(const std::string& implementation) override {
+        return GetCodecs(CoderType::Encoder, implementation);
+    }
+
+private:
+    ICodecModule* FindDecoder(const ICodedStream& input, const std::string& implementation) const {
+        return Find(CoderType::Decoder, input.GetCodecFormat()->GetCodecID(), &implementation);
+    }
+
+    ICodecModule* FindEncoder(const Property& property, const std::string* implementation) const {
+        return Find(CoderType::Encoder, property.Get(Conf::IPreset::ITEM_CODEC_ID), implementation);
+    }
+
+    /// The first module that offers the codec, of the implementation unless that is null. Asked one
+    /// by one: a module may have to start a framework to answer.
+    ICodecModule* Find(CoderType type, const std::string& codecId,
+                       const std::string* implementation) const {
+        for (ICodecModule* module : modules->codecs) {
+            if ((implementation == nullptr || module->GetImplementation() == *implementation) &&
+                Holds(module->GetCodecs(type), codecId)) {
+                return module;
+            }
+        }
+        return nullptr;
+    }
+
+    Codecs GetCodecs(CoderType type, const std::string& implementation) const {
+        Codecs all;
+        for (ICodecModule* module : modules->codecs) {
+            if (module->GetImplementation() != implementation) {
+                continue;
+            }
+            for (std::string& codecId : module->GetCodecs(type)) {
+                if (!Holds(all, codecId)) {
+                    all.push_back(std::move(codecId));
+                }
+            }
+        }
+        return all;
+    }
+
+    std::shared_ptr<const StartedModules> modules;
+};
+
+MediaKind GetMediaKind(const std::string& codecId) {
+    for (ICodecModule* module : Core::GetStartedModules()->codecs) {
+        const MediaKind kind = module->GetMediaKind(codecId);
+        if (kind != MediaKind::None) {
+            return kind;
+        }
+    }
+    return MediaKind::None;
+}
+
+}  // namespace
+
+bool IsVideoCodec(const std::string& codecId) {
+    return GetMediaKind(codecId) == MediaKind::Video;
+}
+
+bool IsAudioCodec(const std::string& codecId) {
+    return GetMediaKind(codecId) == MediaKind::Audio;
+}
+
+}  // namespace Tarnex::Proc
+
+Tarnex::Proc::Pointer<Tarnex::Proc::ICodecFactory> Tarnex::Core::CreateCodecFactory(
+    std::shared_ptr<const StartedModules> modules) {
+    return new Proc::CodecFactory(std::move(modules));
+}

@@ -1,0 +1,109 @@
+#include "core/media/CoreManager.h"
+
+#include <future>
+#include <mutex>
+#include <utility>
+
+#include "core/support/Exception.h"
+#include "mediacore/StartedModules.h"
+
+namespace Tarnex::Core {
+namespace {
+
+std::vector<std::string> GetDisabledPlugins(const CoreOptions& options) {
+    const auto module = options.find(MODULE_PLUGIN_LOADER);
+    if (module == options.end()) {
+        return {};
+    }
+    const auto disabled = module->second.find(OPT_DISABLED_PLUGINS);
+    return disabled == module->second.end() ? std::vector<std::string>() : disabled->second;
+}
+
+class ModuleCoreManager : public CoreManager {
+public:
+    bool IsInitialized() const override { return GetModules() != nullptr; }
+
+    void Initialize(std::function<void()> onInitialized, const CoreOptions& options,
+                    IHostServices* /*host*/, IStartProgress* /*progress*/,
+                    bool startModules) override {
+        const std::lock_guard lock(mutex);
+        if (start.valid()) {
+            throw Exception("The media core is started already");
+        }
+        start = std::async(std::launch::async, [=, this, disabled = GetDisabledPlugins(options)] {
+            SetModules(std::make_shared<const StartedModules>(startModules ? StartModules(disabled)
+                                                                           : StartedModules()));
+            if (onInitialized) {
+                onInitialized();
+            }
+        });
+    }
+
+    void WaitUntilInitialized() override {
+        std::unique_lock lock(mutex);
+        const std::shared_future<void> starting = start;
+        lock.unlock();
+        if (!starting.valid()) {
+            throw Exception("The media core isn't being started");
+        }
+        starting.get();
+    }
+
+    std::shared_ptr<ComputingResourceManager> GetComputingResourceManager() override {
+        return resources;
+    }
+
+    Proc::Pointer<Proc::ICodecFactory> GetCodecFactory() override {
+        const auto started = GetModules();
+        if (!started) {
+            throw Exception("The media core isn't up, so there is no codec factory");
+        }
+        return CreateCodecFactory(started);
+    }
+
+    void Uninitialize() override {
+        std::unique_lock lock(mutex);
+        const std::shared_future<void> ending = std::exchange(start, {});
+        lock.unlock();
+        if (ending.valid()) {
+            ending.wait();
+        }
+        SetModules(nullptr);
+    }
+
+    std::shared_ptr<const StartedModules> GetModules() const {
+        const std::lock_guard lock(mutex);
+        return modules;
+    }
+
+private:
+    void SetModules(std::shared_ptr<const StartedModules> started) {
+        const std::lock_guard lock(mutex);
+        modules = std::move(started);
+    }
+
+    const std::shared_ptr<ComputingResourceManager> resources =
+        std::make_shared<ComputingResourceManager>();
+    mutable std::mutex mutex;
+    std::shared_future<void> start;                 // guarded by mutex
+    std::shared_ptr<const StartedModules> modules;  // guarded by mutex, set while the core is up
+};
+
+/// Never destroyed: the watch-dog may end the process while other threads are in the core.
+ModuleCoreManager& GetManager() {
+    static ModuleCoreManager& manager = *new ModuleCoreManager();
+    return manager;
+}
+
+}  // namespace
+
+CoreManager& CoreManager::Instance() {
+    return GetManager();
+}
+
+std::shared_ptr<const StartedModules> GetStartedModules() {
+    const auto started = GetManager().GetModules();
+    return started ? started : std::make_shared<const StartedModules>();
+}
+
+}  // namespace Tarnex::Core

@@ -1,0 +1,47 @@
+#include "mediacore/StartedModules.h"
+
+#include <algorithm>
+
+#include "core/media/Factories.h"
+#include "mediacore/ModuleRegistry.h"
+
+namespace Tarnex::Core {
+namespace {
+
+using Plugins = std::vector<std::string>;
+
+/// Null where the module fails: the plugin check is where that is reported.
+template <class Kind>
+Kind* TryToStart(const std::string& plugin, Kind* Module::Description::*kind) {
+    try {
+        return LoadModule(plugin).*kind;
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+template <class Kind>
+std::vector<Kind*> Start(const Plugins& plugins, const Plugins& disabled,
+                         Kind* Module::Description::*kind) {
+    std::vector<Kind*> started;
+    for (const std::string& plugin : plugins) {
+        if (std::find(disabled.begin(), disabled.end(), plugin) != disabled.end()) {
+            continue;
+        }
+        if (Kind* const module = TryToStart(plugin, kind)) {
+            started.push_back(module);
+        }
+    }
+    return started;
+}
+
+}  // namespace
+
+StartedModules StartModules(const std::vector<std::string>& disabledPlugins) {
+    using Module::Description;
+    return {Start(Proc::CodecFactoryImpl::GetPluginList(), disabledPlugins, &Description::codecs),
+            Start(Proc::ParserFactoryImpl::GetPluginList(), disabledPlugins, &Description::parser),
+            Start(Proc::MuxerFactoryImpl::GetPluginList(), disabledPlugins, &Description::muxer)};
+}
+
+}  // namespace Tarnex::Core
