@@ -1,0 +1,10 @@
+#pragma once
+
+#include "core/media/MediaTypes.h"
+
+namespace Tarnex::Core::Utils {
+
+/// The colour space of everything that a test encodes: BT.709.
+inline constexpr Proc::ColorSpace TEST_COLOR_SPACE{1, 1, 1};
+
+}  // namespace Tarnex::Core::Utils
