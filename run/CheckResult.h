@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "core/support/BrokenCodecs.h"
+#include "core/support/BrokenPlugins.h"
+
+namespace Tarnex::Core::Utils {
+
+/// What both phases found.
+struct CheckResult {
+    std::string errorInfo;  ///< failure texts of the plugin phase, then of the codec phase
+    BrokenCodecs brokenCodecs;
+    BrokenPlugins brokenPlugins;
+};
+
+}  // namespace Tarnex::Core::Utils
