@@ -1,0 +1,8 @@
+#!/bin/bash
+# Sets up, builds and passes the tests. Usage: test.sh [PRESET], release unless told otherwise.
+set -euo pipefail
+here="$(cd "$(dirname "$0")" && pwd)"
+preset="${1:-release}"
+"$here/setup.sh" build run test
+"$here/build.sh" "$preset" -DASSAYER_TESTS=ON -DASSAYER_WERROR=ON
+ctest --test-dir "$here/../build/$preset" --output-on-failure

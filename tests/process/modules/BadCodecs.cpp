@@ -1,0 +1,172 @@
+// A codec module whose coders misbehave as the codec id says: "CODEC_ID_DECODER_CRASH" has a good
+// encoder, which makes the input of the bad decoder's test; "CODEC_ID_ENCODER_CRASH" has a bad
+// encoder alone; of "CODEC_ID_GOOD_0" and its like both are good. It poses as the implementation
+// that makes the input of decoder tests. At the end of the process it tells how many coders still
+// live.
+
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "core/media/Presets.h"
+#include "core/module/Module.h"
+#include "core/support/Exception.h"
+#include "modules/common/CoderStream.h"
+
+namespace {
+
+using namespace Tarnex::Proc;  // NOLINT(google-build-using-namespace)
+using Tarnex::Core::CoderType;
+
+const char* const BEHAVIOURS[] = {"GIVES_NOTHING", "THROWS_STD", "THROWS_TARNEX", "THROWS_INT",
+                                  "CRASH",         "HANG",       "READS_NOTHING", "READ_THROWS"};
+constexpr int GOOD_COUNT = 200;
+
+std::atomic<int> liveCoders = 0;
+
+void Misbehave(const std::string& codecId) {
+    const auto is = [&](const char* what) { return codecId.find(what) != std::string::npos; };
+    if (is("CRASH")) {
+        std::raise(SIGSEGV);
+    } else if (is("HANG")) {
+        for (;;) {
+            pause();
+        }
+    } else if (is("READ_THROWS")) {
+        throw Tarnex::Exception("read reason");
+    }
+}
+
+class Packet : public RefCounted<IPacket> {
+    const std::uint8_t* GetData() const override { return nullptr; }
+    std::size_t GetSize() const override { return 0; }
+    std::int64_t GetTime() const override { return 0; }
+    bool IsKey() const override { return true; }
+};
+
+template <class Base>
+class Coder : public Base {
+public:
+    Coder(Pointer<IStream> source, std::string id)
+        : Base(std::move(source), "BadCodecs"), codecId(std::move(id)) {
+        ++liveCoders;
+    }
+    ~Coder() override { --liveCoders; }
+
+protected:
+    void Restart() override {}
+
+    std::string codecId;
+};
+
+class Encoder : public Coder<Tarnex::Modules::CoderStream<ICodedStream>> {
+public:
+    Encoder(Pointer<IStream> source, std::string id, MediaKind mediaKind)
+        : Coder(std::move(source), std::move(id)), kind(mediaKind) {}
+    MediaKind GetMediaKind() const override { return kind; }
+    Pointer<IFormatCodec> GetCodecFormat() const override {
+        const auto format = IFormatCodecVideo::Create();
+        format->SetCodecID(codecId);
+        return format;
+    }
+
+private:
+    Pointer<IData> MakeNext() override {
+        if (codecId.find("ENCODER") != std::string::npos) {
+            Misbehave(codecId);
+        }
+        return new Packet;
+    }
+
+    MediaKind kind;
+};
+
+class Decoder : public Coder<Tarnex::Modules::DecoderStream<IStreamVideo, IFrameVideo>> {
+public:
+    using Coder::Coder;
+    Pointer<IFormatCodecVideo> GetFormatCodec() const override { return {}; }
+
+private:
+    Pointer<IData> MakeNext() override {
+        Misbehave(codecId);
+        return {};
+    }
+};
+
+/// True if the creation gives nothing.
+bool MisbehaveAtCreation(const std::string& codecId) {
+    const auto is = [&](const char* what) { return codecId.find(what) != std::string::npos; };
+    if (is("THROWS_STD")) {
+        throw std::runtime_error("std reason");
+    }
+    if (is("THROWS_TARNEX")) {
+        throw Tarnex::Exception("tarnex reason");
+    }
+    if (is("THROWS_INT")) {
+        throw 42;
+    }
+    return is("GIVES_NOTHING");
+}
+
+class BadCodecs : public Tarnex::Module::ICodecModule {
+    std::string GetImplementation() const override { return "FFMPEG_IMPL"; }
+
+    MediaKind GetMediaKind(const std::string& codecId) override {
+        return codecId.starts_with("CODEC_ID_") ? MediaKind::Video : MediaKind::None;
+    }
+
+    std::vector<std::string> GetCodecs(CoderType type) override {
+        std::vector<std::string> ids;
+        for (const char* behaviour : BEHAVIOURS) {
+            ids.push_back(std::string("CODEC_ID_DECODER_") + behaviour);
+            if (type == CoderType::Encoder) {
+                ids.push_back(std::string("CODEC_ID_ENCODER_") + behaviour);
+            }
+        }
+        for (int i = 0; i < GOOD_COUNT; ++i) {
+            ids.push_back("CODEC_ID_GOOD_" + std::to_string(i));
+        }
+        return ids;
+    }
+
+    Pointer<IStreamVideo> CreateVideoDecoder(const Pointer<ICodedStream>& input) override {
+        const std::string codecId = input->GetCodecFormat()->GetCodecID();
+        if (MisbehaveAtCreation(codecId)) {
+            return {};
+        }
+        return new Decoder(input, codecId);
+    }
+
+    Pointer<IStreamAudio> CreateAudioDecoder(const Pointer<ICodedStream>&) override { return {}; }
+
+    Pointer<ICodedStream> CreateVideoEncoder(const Pointer<IStreamVideo>& stream,
+                                             const Property& property) override {
+        const std::string codecId = property.Get(Tarnex::Conf::IPreset::ITEM_CODEC_ID);
+        if (codecId.find("ENCODER") != std::string::npos && MisbehaveAtCreation(codecId)) {
+            return {};
+        }
+        return new Encoder(stream, codecId, MediaKind::Video);
+    }
+
+    Pointer<ICodedStream> CreateAudioEncoder(const Pointer<IStreamAudio>&,
+                                             const Property&) override {
+        return {};
+    }
+};
+
+}  // namespace
+
+TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
+    return Tarnex::Module::VERSION;
+}
+
+TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
+    static BadCodecs codecs;
+    description.codecs = &codecs;
+    std::atexit([] { std::printf("coders left: %d\n", liveCoders.load()); });
+    return true;
+}

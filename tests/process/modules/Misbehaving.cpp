@@ -1,0 +1,116 @@
+// A codec module that misbehaves as its file name says: the part before the first point of
+// "crash-in-init.3.so" chooses, so that links of other names make a crowd of the same kind.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "core/module/Module.h"
+#include "core/support/Exception.h"
+
+namespace {
+
+using Tarnex::Module::Description;
+
+std::string Behaviour() {
+    Dl_info info{};
+    dladdr(reinterpret_cast<void*>(&Behaviour), &info);
+    const std::string path = info.dli_fname;
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return name.substr(0, name.find('.'));
+}
+
+void Crash() {
+    std::raise(SIGSEGV);
+}
+
+[[noreturn]] void Hang() {
+    for (;;) {
+        pause();
+    }
+}
+
+void FloodStandardError() {
+    const std::string noise(5000, 'x');
+    for (int i = 0; i < 20; ++i) {
+        static_cast<void>(!write(STDERR_FILENO, noise.data(), noise.size()));
+    }
+}
+
+__attribute__((constructor)) void OnOpen() {
+    const std::string behaviour = Behaviour();
+    if (behaviour == "crash-in-constructor") {
+        Crash();
+    } else if (behaviour == "hang-in-constructor") {
+        Hang();
+    }
+}
+
+/// A codec module without codecs.
+class NoCodecs : public Tarnex::Module::ICodecModule {
+    using Stream = Tarnex::Proc::Pointer<Tarnex::Proc::ICodedStream>;
+    std::string GetImplementation() const override { return "NONE_IMPL"; }
+    Tarnex::Proc::MediaKind GetMediaKind(const std::string&) override {
+        return Tarnex::Proc::MediaKind::None;
+    }
+    std::vector<std::string> GetCodecs(Tarnex::Core::CoderType) override { return {}; }
+    Tarnex::Proc::Pointer<Tarnex::Proc::IStreamVideo> CreateVideoDecoder(const Stream&) override {
+        return {};
+    }
+    Tarnex::Proc::Pointer<Tarnex::Proc::IStreamAudio> CreateAudioDecoder(const Stream&) override {
+        return {};
+    }
+    Stream CreateVideoEncoder(const Tarnex::Proc::Pointer<Tarnex::Proc::IStreamVideo>&,
+                              const Tarnex::Proc::Property&) override {
+        return {};
+    }
+    Stream CreateAudioEncoder(const Tarnex::Proc::Pointer<Tarnex::Proc::IStreamAudio>&,
+                              const Tarnex::Proc::Property&) override {
+        return {};
+    }
+};
+
+bool Initialize(Description& description) {
+    static NoCodecs codecs;
+    const std::map<std::string, void (*)()> actions{
+        {"throws-std", [] { throw std::runtime_error("std reason"); }},
+        {"throws-tarnex", [] { throw Tarnex::Exception("tarnex reason"); }},
+        {"throws-int", [] { throw 42; }},
+        {"crash-in-init", Crash},
+        {"hang-in-init", [] { Hang(); }},
+        {"exits", [] { std::exit(0); }},
+        {"floods", FloodStandardError},
+    };
+    const std::string behaviour = Behaviour();
+    if (const auto action = actions.find(behaviour); action != actions.end()) {
+        action->second();
+    }
+    if (behaviour != "describes-nothing") {
+        description.codecs = &codecs;
+    }
+    return behaviour != "refuses";
+}
+
+}  // namespace
+
+TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
+    return Tarnex::Module::VERSION + (Behaviour() == "wrong-version" ? 1 : 0);
+}
+
+TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Description& description) {
+    return Initialize(description);
+}
+
+TARNEX_MODULE_EXPORT void TarnexModuleShutdown() {
+    if (Behaviour() == "throws-in-shutdown") {
+        throw Tarnex::Exception("shutdown reason");
+    }
+    std::printf("shut down: %s\n", Behaviour().c_str());
+}

@@ -1,0 +1,131 @@
+"""The codec phase of the real program, on coders that misbehave on purpose."""
+
+import signal
+
+import pytest
+from conftest import not_sanitized
+
+TESTED = ("TESTED_CODECS", "true")
+IMPL = "FFMPEG_IMPL"
+OK = ("CODEC_ID_GOOD_0", "CODEC_ID_GOOD_1")
+
+
+def test_id(kind, codec):
+    return f"{kind}.{IMPL}.{codec}"
+
+
+test_id.__test__ = False
+
+
+@pytest.fixture
+def bad_codecs(installation):
+    installation.add_fixture("BadCodecs")
+    return installation
+
+
+def check(installation, *codecs, rest=("-",) * 6, kind="codecs", limit="60"):
+    return installation.run(kind, limit, IMPL, ",".join(codecs), *rest)
+
+
+# What the ERROR line of a bad decoder and of a bad encoder says.
+FAILURES = {
+    "DECODER_GIVES_NOTHING": ("Decoder", "Cannot create decoder : Decoder.FFMPEG_IMPL.CODEC_ID_DECODER_GIVES_NOTHING"),
+    "DECODER_THROWS_STD": ("Decoder", "std reason"),
+    "DECODER_THROWS_TARNEX": ("Decoder", "tarnex reason"),
+    "DECODER_THROWS_INT": ("Decoder", "int"),
+    "DECODER_READ_THROWS": ("Decoder", "read reason"),
+    "ENCODER_GIVES_NOTHING": ("Encoder", "Can create encoder: Encoder.FFMPEG_IMPL.CODEC_ID_ENCODER_GIVES_NOTHING"),
+    "ENCODER_THROWS_INT": ("Encoder", "int"),
+    "ENCODER_READ_THROWS": ("Encoder", "read reason"),
+}
+
+
+@pytest.mark.parametrize("threads", ["-", "1"])
+def test_findings(bad_codecs, threads):
+    codecs = [f"CODEC_ID_{name}" for name in FAILURES] + [*OK, OK[0], "CODEC_ID_DECODER_READS_NOTHING", "NOT_OFFERED"]
+    result = check(bad_codecs, *codecs, rest=("-",) * 5 + (threads,))
+    assert result.code == 8, result
+    findings = {test_id(kind, f"CODEC_ID_{name}"): text for name, (kind, text) in FAILURES.items()}
+    assert sorted(result.of("CODECS")) == sorted(findings)
+    errors = result.of("ERROR")
+    for text in findings.values():
+        assert any(text in error for error in errors), (text, errors)
+    decoders = [c for c in codecs if "ENCODER" not in c and c != "NOT_OFFERED"]
+    encoders = [c for c in codecs if c != "NOT_OFFERED"]
+    expected = {test_id("Decoder", c) for c in decoders} | {test_id("Encoder", c) for c in encoders}
+    tested = result.of("TEST_CODEC")
+    assert sorted(tested) == sorted(expected)  # each once, although one id was asked for twice
+    assert [t.split(".")[0] for t in tested] == ["Decoder"] * len(set(decoders)) + ["Encoder"] * len(set(encoders))
+    assert result.records()[-1] == TESTED
+    assert "coders left: 0\n" in result.out, result
+    if threads == "-":
+        records = result.records()
+        for finding in findings:
+            at = records.index(("TEST_CODEC", finding))
+            assert records[at + 1][0] == "ERROR" and records[at + 2] == ("CODECS", finding), result
+
+
+def test_known_broken_and_last_failed(bad_codecs):
+    good, other = OK
+    known = bad_codecs.file("known", f"Codecs.Encoder.{IMPL}: {good}, NOBODY\nCodecs.Decoder.X: {good}\n")
+    result = check(bad_codecs, *OK, rest=("-", "-", known, "-", f"{test_id('Encoder', other)},,"))
+    message = f"{test_id('Encoder', good)}: \nTest Error\n"
+    assert result.code == 8 and result.records() == [
+        ("TEST_CODEC", test_id("Decoder", good)),
+        ("TEST_CODEC", test_id("Decoder", other)),
+        ("ERROR", message),
+        ("CODECS", test_id("Encoder", good)),
+        TESTED,
+    ], result
+
+
+@pytest.mark.parametrize(
+    "last, passes",
+    [
+        ("Encoder.I.X", ["Encoder"]),
+        ("Encoder.FFMPEG_IMPL.CODEC_ID_GOOD_0, Encoder.I.X", []),
+        ("Encoder.I.X,Decoder.I.Y.Z", ["Decoder", "Encoder"]),
+        ("Decoder.FFMPEG_IMPL.CODEC_ID_GOOD_0", ["Encoder"]),
+    ],
+)
+def test_passes_that_a_resumed_run_makes(bad_codecs, last, passes):
+    result = check(bad_codecs, OK[0], rest=("-", "-", "-", "-", last))
+    assert result.code == 0, result
+    assert [t.split(".")[0] for t in result.of("TEST_CODEC")] == passes
+
+
+def test_what_is_no_codec_test_is_told(bad_codecs):
+    result = check(bad_codecs, OK[0], rest=("-", "-", "-", "-", "Encoder.X"))
+    assert result.code == 4 and '"Encoder.X"' in result.of("ERROR")[0], result
+    bad = bad_codecs.file("bad", "Codecs.Encode.X: Y\n")
+    result = check(bad_codecs, OK[0], rest=("-", "-", bad))
+    assert result.code == 4 and bad in result.of("ERROR")[0], result
+
+
+@not_sanitized
+@pytest.mark.parametrize("threads", ["-", "1"])
+@pytest.mark.parametrize("kind", ["Decoder", "Encoder"])
+def test_crash_and_hang_leave_their_name(bad_codecs, kind, threads):
+    for fault, code in [("CRASH", -signal.SIGSEGV), ("HANG", 2)]:
+        codec = f"CODEC_ID_{kind.upper()}_{fault}"
+        result = check(bad_codecs, codec, *OK, rest=("-",) * 5 + (threads,), limit="1")
+        assert result.code == code and result.seconds < 2.2, result
+        open_tests = set(result.of("TEST_CODEC")) - set(result.of("CODECS"))
+        assert test_id(kind, codec) in open_tests and result.of("TESTED_CODECS") == [], result
+        if threads == "-":
+            assert result.of("TEST_CODEC")[-1] == test_id(kind, codec), result
+
+
+def test_disabled_modules_offer_nothing(bad_codecs):
+    bad_codecs.add("throws-std")
+    result = check(bad_codecs, *OK, rest=("BadCodecs , nobody",), kind="all")
+    assert result.code == 7 and result.of("TEST_CODEC") == [], result
+    assert result.records()[-1] == TESTED
+
+
+def test_broken_plugins_and_codecs_together(bad_codecs):
+    bad_codecs.add("throws-std")
+    result = check(bad_codecs, "CODEC_ID_DECODER_THROWS_STD", OK[0], kind="all")
+    assert result.code == 9, result
+    assert result.of("PLUGINS") == ["throws-std"]
+    assert result.of("CODECS") == [test_id("Decoder", "CODEC_ID_DECODER_THROWS_STD")]
