@@ -1,0 +1,101 @@
+#include <cstdlib>
+
+#include "core/media/Presets.h"
+#include "core/module/Module.h"
+#include "core/support/Exception.h"
+
+using namespace Tarnex::Proc;  // NOLINT(google-build-using-namespace)
+using Tarnex::Core::CoderType;
+
+extern "C" void NobodyDefinesThis();
+
+namespace {
+
+enum Behaviour {
+    First,
+    Second,
+    Parser,
+    LateParser,
+    OldVersion,
+    Refuses,
+    Throws,
+    Empty,
+    BadName,
+    Unresolved
+};
+
+/// Offers the video codec A and, as Second, the audio codec B besides. Its coders are exceptions
+/// that tell who was asked.
+class Codecs : public Tarnex::Module::ICodecModule {
+public:
+    std::string GetImplementation() const override {
+        return BEHAVIOUR == First ? "FIRST_IMPL" : BEHAVIOUR == Second ? "SECOND_IMPL" : "A.B";
+    }
+    MediaKind GetMediaKind(const std::string& codecId) override {
+        return codecId == "A"                          ? MediaKind::Video
+               : codecId == "B" && BEHAVIOUR == Second ? MediaKind::Audio
+                                                       : MediaKind::None;
+    }
+    std::vector<std::string> GetCodecs(CoderType type) override {
+        if (type == CoderType::Decoder) {
+            return {};
+        }
+        return BEHAVIOUR == Second ? std::vector<std::string>{"B", "A"}
+                                   : std::vector<std::string>{"A"};
+    }
+    Pointer<IStreamVideo> CreateVideoDecoder(const Pointer<ICodedStream>&) override { Tell(); }
+    Pointer<IStreamAudio> CreateAudioDecoder(const Pointer<ICodedStream>&) override { Tell(); }
+    Pointer<ICodedStream> CreateVideoEncoder(const Pointer<IStreamVideo>&,
+                                             const Property&) override {
+        Tell();
+    }
+    Pointer<ICodedStream> CreateAudioEncoder(const Pointer<IStreamAudio>&,
+                                             const Property&) override {
+        Tell();
+    }
+
+private:
+    [[noreturn]] void Tell() { throw Tarnex::Exception(GetImplementation()); }
+};
+
+class RefusingParser : public Tarnex::Module::IParserModule {
+public:
+    Pointer<IStreamReader> Open(const Tarnex::ioPath&) override {
+        throw Tarnex::Exception("not my format");
+    }
+};
+
+}  // namespace
+
+TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
+    return Tarnex::Module::VERSION + (BEHAVIOUR == OldVersion ? 1 : 0);
+}
+
+TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
+    static int calls = 0;
+    if (++calls > 1 || BEHAVIOUR == OldVersion) {
+        std::abort();  // initialised twice, or in spite of its version
+    }
+    if constexpr (BEHAVIOUR == Unresolved) {
+        NobodyDefinesThis();
+    }
+    switch (BEHAVIOUR) {
+        case Refuses:
+            return false;
+        case Throws:
+            throw 7;
+        case Parser:
+        case LateParser:
+            description.parser = new RefusingParser();
+            return true;
+        case Empty:
+            return true;
+        default:
+            description.codecs = new Codecs();
+            return true;
+    }
+}
+
+TARNEX_MODULE_EXPORT void TarnexModuleShutdown() {
+    throw static_cast<int>(BEHAVIOUR);
+}

@@ -1,0 +1,68 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/media/Factories.h"
+#include "core/support/CoreInitExtension.h"
+
+namespace Tarnex::Proc {
+namespace {
+
+std::string LoadFailure(void (*load)(const std::string&), const std::string& plugin) {
+    try {
+        load(plugin);
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+    return "no failure";
+}
+
+TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
+    struct Case {
+        void (*load)(const std::string&);
+        std::string plugin;
+        std::string reason;
+    };
+    const Case cases[] = {
+        {CodecFactoryImpl::TryToLoadModule, "Absent", "No such file"},
+        {CodecFactoryImpl::TryToLoadModule, "Unresolved", "undefined symbol: NobodyDefinesThis"},
+        {CodecFactoryImpl::TryToLoadModule, "OldVersion", "version 2 of the module interface"},
+        {CodecFactoryImpl::TryToLoadModule, "Refuses", "refused to initialise"},
+        {CodecFactoryImpl::TryToLoadModule, "Empty", "offers nothing"},
+        {CodecFactoryImpl::TryToLoadModule, "BadName", "implementation name \"A.B\""},
+        {CodecFactoryImpl::TryToLoadModule, "Parser", "offers no codecs"},
+        {MuxerFactoryImpl::TryToLoadModule, "Parser", "offers no muxer"},
+        {ParserFactoryImpl::TryToLoadModule, "First", "offers no parser"},
+        {EffectFactory::TryToLoadModule, "First", "no entry point f0r_init"},
+        {FilterFactory::TryToLoadModule, "First", "no entry point ladspa_descriptor"},
+        {AnalyzerFactory::TryToLoadModule, "First", "no entry point vampGetPluginDescriptor"},
+    };
+    for (const Case& each : cases) {
+        const std::string failure = LoadFailure(each.load, each.plugin);
+        EXPECT_THAT(failure, testing::HasSubstr(each.reason));
+        EXPECT_THAT(failure, testing::HasSubstr(each.plugin));
+        EXPECT_EQ(failure, LoadFailure(each.load, each.plugin)) << "at the second load";
+    }
+}
+
+TEST(Modules, WhatAModuleThrowsPassesThrough) {
+    EXPECT_THROW(CodecFactoryImpl::TryToLoadModule("Throws"), int);
+    EXPECT_THROW(CodecFactoryImpl::TryToLoadModule("Throws"), int);
+}
+
+TEST(Modules, DeinitHandlersAreLastLoadedFirst) {
+    ParserFactoryImpl::TryToLoadModule("Parser");
+    ParserFactoryImpl::TryToLoadModule("LateParser");
+    ParserFactoryImpl::TryToLoadModule("Parser");
+    std::vector<std::string> names;
+    for (const auto& [name, handler] : Core::Utils::CoreInitExtension::GetDeinitHandlers()) {
+        names.push_back(name);
+        EXPECT_THROW(handler(), int);
+    }
+    ASSERT_GE(names.size(), 2U);
+    EXPECT_EQ(names[0], "LateParser");
+    EXPECT_EQ(std::count(names.begin(), names.end(), "Parser"), 1);
+    EXPECT_EQ(std::count(names.begin(), names.end(), "Refuses"), 0);
+}
+
+}  // namespace
+}  // namespace Tarnex::Proc
