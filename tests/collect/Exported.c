@@ -1,0 +1,4 @@
+__attribute__((visibility("default"))) int EXPORTED(void);
+int EXPORTED(void) {
+    return 0;
+}
