@@ -1,4 +1,0 @@
-__attribute__((visibility("default"))) int EXPORTED(void);
-int EXPORTED(void) {
-    return 0;
-}
