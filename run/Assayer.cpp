@@ -12,6 +12,7 @@
 #include "plugins/PluginChecker.h"
 #include "reporting/LogFiles.h"
 #include "reporting/Logging.h"
+#include "reporting/Statistics.h"
 #include "run/CheckResult.h"
 #include "run/CommandLine.h"
 #include "run/Config.h"
@@ -76,6 +77,7 @@ int Assayer(int argc, char** argv) {
         PluginChecker pluginChecker;
         CodecChecker codecChecker(config.isUsingMultithreadingCodecChecking);
         const CheckResult result = RunChecks(pluginChecker, codecChecker, config);
+        ReportStatistics(pluginChecker, codecChecker, result.brokenPlugins, result.brokenCodecs);
         return ChooseExitCode(result);
     } catch (const Tarnex::Exception& exception) {
         LogTagged(ERROR_TAG, boost::diagnostic_information(exception, true));
