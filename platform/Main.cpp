@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -7,13 +9,9 @@ int wmain(int argc, wchar_t** argv);
 
 int main(int argc, char** argv) {
     std::vector<std::wstring> texts;
-    for (int i = 0; i < argc; ++i) {
-        texts.push_back(Tarnex::Platform::Widen(argv[i]));
-    }
-    std::vector<wchar_t*> pointers;
-    for (std::wstring& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
+    std::transform(argv, argv + argc, std::back_inserter(texts), Tarnex::Platform::Widen);
+    std::vector<wchar_t*> pointers(texts.size() + 1);  // ends in a null pointer
+    std::transform(texts.begin(), texts.end(), pointers.begin(),
+                   [](std::wstring& text) { return text.data(); });
     return wmain(argc, pointers.data());
 }

@@ -1,5 +1,7 @@
 #include "core/support/EntryWrapper.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -9,14 +11,10 @@ namespace Tarnex::Core {
 
 int EntryWrapperWchar(int argc, wchar_t** argv, const std::function<int(int, char**)>& run) {
     std::vector<std::string> texts;
-    for (int i = 0; i < argc; ++i) {
-        texts.push_back(Platform::Narrow(argv[i]));
-    }
-    std::vector<char*> pointers;
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
+    std::transform(argv, argv + argc, std::back_inserter(texts), Platform::Narrow);
+    std::vector<char*> pointers(texts.size() + 1);  // ends in a null pointer
+    std::transform(texts.begin(), texts.end(), pointers.begin(),
+                   [](std::string& text) { return text.data(); });
     return run(argc, pointers.data());
 }
 
