@@ -46,10 +46,6 @@ class Pass:
         return [message for name, message in self.records if name == tag]
 
     @property
-    def timed_out(self):
-        return self.status == 2 or self.status == -signal.SIGKILL
-
-    @property
     def failed_itself(self):
         """The end was an error that isn't a module's: another pass would give the same."""
         if self.status == 3:
@@ -68,7 +64,6 @@ class Parent:
     bad: list = field(default_factory=list)
     broken: list = field(default_factory=list)
     passed: list = field(default_factory=list)
-    struck: set = field(default_factory=set)
 
     def run(self, check, codecs="-", behind="-", threads=False, without=()):
         """One pass with all that is known by now."""
@@ -112,13 +107,6 @@ class Parent:
         (self.folder / name).write_text("".join(f"{key}: {value}\n" for key, value in lines))
         return str(self.folder / name)
 
-    def is_culprit(self, name, result):
-        begun = len(result.all("LOAD_PLUGIN_NAME")) + len(result.all("TEST_CODEC"))
-        if not result.timed_out or begun == 1 or name in self.struck:
-            return True
-        self.struck.add(name)
-        return False
-
     def check_plugins(self, check="plugins", codecs="-", threads=False):
         """The plugin phase; gives its last pass."""
         behind = "-"
@@ -128,11 +116,8 @@ class Parent:
                 return result
             begun = result.all("LOAD_PLUGIN_NAME")
             self.require_progress(result, begun)
-            if self.is_culprit(begun[-1], result):
-                behind = begun[-1]
-                self.bad += [behind] if behind not in self.bad else []
-            else:
-                behind = begun[-2]
+            behind = begun[-1]
+            self.bad += [behind] if behind not in self.bad else []
 
     def check_codecs(self, codecs, threads=False, first=None):
         """The codec phase for these ids; `first` is a pass that has gone through it already."""
@@ -154,8 +139,7 @@ class Parent:
             self.check_codecs(",".join(sorted({split_test(test)[1] for test in undecided})))
         elif not threads:
             self.passed += [test for test in undecided if test != begun[-1]]
-            if begun[-1] in undecided and self.is_culprit(begun[-1], result):
-                self.broken.append(begun[-1])
+            self.broken += begun[-1:] if begun[-1] in undecided else []
         return False
 
     def get_core_up(self, codecs):
