@@ -12,6 +12,7 @@ TAGS = ("STATISTICS", "CODECS", "ERROR", "WARNING", "TEST_CODEC", "TESTED_CODECS
         "LOAD_PLUGIN_NAME", "LOADED_PLUGINS")
 OPENING = re.compile(r"\] \[(%s)\]" % "|".join(TAGS))
 GRACE_SECONDS = 10
+MAX_PASSES = 100
 
 
 class GaveUp(Exception):
@@ -19,11 +20,14 @@ class GaveUp(Exception):
 
 
 def parse_records(text):
-    """The records of a log as (tag, message), in order; a cut one ends where the next begins."""
+    """The records of a log as (tag, message), in order; a cut one ends with its last whole line."""
     openings = list(OPENING.finditer(text))
     ends = [match.start() for match in openings[1:]] + [len(text)]
-    return [(match[1], text[match.end():end].split(f"[/{match[1]}]")[0])
-            for match, end in zip(openings, ends)]
+    records = []
+    for match, end in zip(openings, ends):
+        message, closing, _ = text[match.end():end].partition(f"[/{match[1]}]")
+        records.append((match[1], message if closing else message.rpartition("\n")[0]))
+    return records
 
 
 def split_test(test):
@@ -67,6 +71,8 @@ class Parent:
 
     def run(self, check, codecs="-", behind="-", threads=False, without=()):
         """One pass with all that is known by now."""
+        if len(self.passes) == MAX_PASSES:
+            raise GaveUp("no end in sight")
         disabled = ",".join([*self.bad, *without]) or "-"
         tests = "," + ",".join(self.passed) if self.passed else "-"
         plugin_list = self.write_list("plugins.txt", [("Plugins.Broken", name) for name in self.bad])

@@ -2,7 +2,7 @@
 
 import pytest
 from conftest import not_sanitized
-from parent import Parent
+from parent import Parent, parse_records
 
 GOOD = [f"good.{i}" for i in range(20)]
 REPORTED = ["throws-int.1", "refuses.1", "undefined-symbol", "wrong-version.1"]
@@ -59,3 +59,15 @@ def test_core_start_that_ends_the_process_costs_one_module(installation, parent)
     installation.add("good.1", "crash-in-init.1", "good.2")
     parent.check_codecs("CODEC_ID_GOOD_1")
     assert parent.bad == ["crash-in-init.1"] and parent.broken == [] and len(parent.passed) == 2
+
+
+def test_records_survive_cuts_and_noise():
+    text = (
+        "noiseE1 1 a.cpp:1] [ERROR]cut at the limi\nE1 1 a.cpp:1] [CODECS]a.b.c[/CODECS]\nnoise"
+        "E1 1 a.cpp:1] [ERROR]two\nlines [/CODECS]\n[/ERROR]\nI1 1 a.cpp:1] Using FakeStream\n"
+    )
+    assert parse_records(text) == [
+        ("ERROR", "cut at the limi"),
+        ("CODECS", "a.b.c"),
+        ("ERROR", "two\nlines [/CODECS]\n"),
+    ]
