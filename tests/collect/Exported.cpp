@@ -1,1 +1,3 @@
-extern "C" __attribute__((visibility("default"))) int EXPORTED() { return 0; }
+extern "C" __attribute__((visibility("default"))) int EXPORTED() {
+    return 0;
+}
