@@ -21,3 +21,6 @@ if(ASSAYER_SANITIZE)
   add_compile_options(-fsanitize=${ASSAYER_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ASSAYER_SANITIZE})
 endif()
+if(ASSAYER_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)  # the targets are steered by what they cover
+endif()

@@ -11,8 +11,8 @@ namespace Tarnex {
 class ioPath {
 public:
     ioPath() = default;
-    ioPath(std::string text) : path(std::move(text)) {}  // NOLINT(google-explicit-constructor)
-    ioPath(const char* text) : path(text) {}             // NOLINT(google-explicit-constructor)
+    ioPath(const std::string& text) : path(text) {}  // NOLINT(google-explicit-constructor)
+    ioPath(const char* text) : path(text) {}         // NOLINT(google-explicit-constructor)
 
     bool empty() const { return path.empty(); }
 
