@@ -113,7 +113,8 @@ private:
 };
 
 MediaKind GetMediaKind(const std::string& codecId) {
-    for (ICodecModule* module : Core::GetStartedModules()->codecs) {
+    const auto started = Core::GetStartedModules();
+    for (ICodecModule* module : started->codecs) {
         const MediaKind kind = module->GetMediaKind(codecId);
         if (kind != MediaKind::None) {
             return kind;

@@ -73,6 +73,8 @@ TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
 
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
     static int calls = 0;
+    static Codecs codecs;
+    static RefusingParser parser;
     if (++calls > 1 || BEHAVIOUR == OldVersion) {
         std::abort();  // initialised twice, or in spite of its version
     }
@@ -86,12 +88,12 @@ TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& de
             throw 7;
         case Parser:
         case LateParser:
-            description.parser = new RefusingParser();
+            description.parser = &parser;
             return true;
         case Empty:
             return true;
         default:
-            description.codecs = new Codecs();
+            description.codecs = &codecs;
             return true;
     }
 }
