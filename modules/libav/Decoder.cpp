@@ -1,0 +1,166 @@
+#include "modules/libav/Decoder.h"
+
+#include <algorithm>
+
+#include "modules/libav/Conversion.h"
+
+namespace Tarnex::Libav {
+namespace {
+
+using Proc::Pointer;
+
+/// A frame that libav holds.
+template <class Interface>
+class DecodedFrame : public Proc::RefCounted<Interface> {
+public:
+    explicit DecodedFrame(Handle<AVFrame> decoded) : frame(std::move(decoded)), time(frame->pts) {}
+
+    std::int64_t GetFrameLength() const override { return length; }
+    void SetFrameLength(std::int64_t newLength) override { length = newLength; }
+    std::int64_t GetFrameTime() const override { return time; }
+    void SetFrameTime(std::int64_t newTime) override { time = newTime; }
+    void PrepareFrame() override {}
+
+protected:
+    Handle<AVFrame> frame;
+
+private:
+    std::int64_t time;
+    std::int64_t length = 0;
+};
+
+class DecodedPicture : public DecodedFrame<Proc::IFrameVideo> {
+public:
+    explicit DecodedPicture(Handle<AVFrame> decoded) : DecodedFrame(std::move(decoded)) {
+        const int chromaHeight = (frame->height + 1) / 2;
+        planes.push_back({frame->data[0], frame->linesize[0], frame->height});
+        planes.push_back({frame->data[1], frame->linesize[1], chromaHeight});
+        if (frame->format == AV_PIX_FMT_YUV420P) {
+            planes.push_back({frame->data[2], frame->linesize[2], chromaHeight});
+        }
+    }
+
+    Proc::PixFmt GetPixelFormat() const override {
+        return frame->format == AV_PIX_FMT_NV12 ? Proc::PixFmt::Nv12 : Proc::PixFmt::Yuv420p;
+    }
+    Proc::FrameInfo GetFrameInfo() const override {
+        return {frame->width, frame->height, std::max(frame->sample_aspect_ratio.num, 1),
+                std::max(frame->sample_aspect_ratio.den, 1)};
+    }
+    Proc::ColorSpace GetColorSpace() const override {
+        return {static_cast<std::uint32_t>(frame->color_primaries),
+                static_cast<std::uint32_t>(frame->color_trc),
+                static_cast<std::uint32_t>(frame->colorspace)};
+    }
+    const std::vector<Proc::Plane>& GetPlanes() const override { return planes; }
+
+private:
+    std::vector<Proc::Plane> planes;
+};
+
+Proc::SampleInfo MakeSampleInfo(int rate, int channels) {
+    Proc::SampleInfo info;
+    info.Init(Proc::SampleFormats::S16, rate,
+              channels == 1 ? Proc::ChannelLayout::Mono : Proc::ChannelLayout::Stereo);
+    return info;
+}
+
+class DecodedSound : public DecodedFrame<Proc::IFrameAudio> {
+public:
+    using DecodedFrame::DecodedFrame;
+
+    Proc::SampleInfo GetSampleInfo() const override {
+        return MakeSampleInfo(frame->sample_rate, frame->ch_layout.nb_channels);
+    }
+    std::size_t GetSampleCount() const override {
+        return static_cast<std::size_t>(frame->nb_samples);
+    }
+    std::uint8_t* GetSamples() const override { return frame->data[0]; }
+};
+
+class VideoDecoder : public Modules::DecoderStream<Proc::IStreamVideo, Proc::IFrameVideo> {
+public:
+    VideoDecoder(const AVCodec& codec, const Pointer<Proc::ICodedStream>& input,
+                 bool isSingleThreaded)
+        : DecoderStream(input, codec.name),
+          decoder(codec, input, isSingleThreaded),
+          converter(decoder.GetLog()) {}
+
+    Pointer<Proc::IFormatCodecVideo> GetFormatCodec() const override {
+        const AVCodecContext& coder = decoder.GetContext();
+        Pointer<Proc::IFormatCodecVideo> format = Proc::IFormatCodecVideo::Create();
+        format->InitByPixelAspect(coder.width, coder.height,
+                                  std::max(coder.sample_aspect_ratio.num, 1),
+                                  std::max(coder.sample_aspect_ratio.den, 1));
+        if (coder.framerate.num > 0 && coder.framerate.den > 0) {
+            format->SetFrameRate(coder.framerate.num, coder.framerate.den);
+        }
+        return format;
+    }
+
+protected:
+    Pointer<Proc::IData> MakeNext() override {
+        Handle<AVFrame> frame = decoder.Next();
+        if (!frame) {
+            return {};
+        }
+        const auto format = frame->format == AV_PIX_FMT_NV12 ? AV_PIX_FMT_NV12 : AV_PIX_FMT_YUV420P;
+        const PictureForm form{format, frame->width, frame->height};
+        return new DecodedPicture(converter.Convert(std::move(frame), form));
+    }
+    void Restart() override { decoder.Restart(); }
+
+private:
+    FrameDecoder decoder;
+    PictureConverter converter;
+};
+
+class AudioDecoder : public Modules::DecoderStream<Proc::IStreamAudio, Proc::IFrameAudio> {
+public:
+    AudioDecoder(const AVCodec& codec, const Pointer<Proc::ICodedStream>& input,
+                 bool isSingleThreaded)
+        : DecoderStream(input, codec.name),
+          decoder(codec, input, isSingleThreaded),
+          converter(decoder.GetLog()) {}
+
+    Pointer<Proc::IFormatCodecAudio> GetFormatCodec() const override {
+        const AVCodecContext& coder = decoder.GetContext();
+        Pointer<Proc::IFormatCodecAudio> format = Proc::IFormatCodecAudio::Create();
+        format->SetSampleInfo(MakeSampleInfo(coder.sample_rate, coder.ch_layout.nb_channels));
+        return format;
+    }
+
+protected:
+    Pointer<Proc::IData> MakeNext() override {
+        const Handle<AVFrame> frame = decoder.Next();
+        if (!frame) {
+            return {};
+        }
+        const AVChannelLayout mono = AV_CHANNEL_LAYOUT_MONO;
+        const AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
+        return new DecodedSound(
+            converter.Convert(*frame, AV_SAMPLE_FMT_S16, frame->sample_rate,
+                              frame->ch_layout.nb_channels == 1 ? mono : stereo));
+    }
+    void Restart() override { decoder.Restart(); }
+
+private:
+    FrameDecoder decoder;
+    SoundConverter converter;
+};
+
+}  // namespace
+
+Pointer<Proc::IStreamVideo> MakeVideoDecoder(const AVCodec& codec,
+                                             const Pointer<Proc::ICodedStream>& input,
+                                             bool isSingleThreaded) {
+    return new VideoDecoder(codec, input, isSingleThreaded);
+}
+
+Pointer<Proc::IStreamAudio> MakeAudioDecoder(const AVCodec& codec,
+                                             const Pointer<Proc::ICodedStream>& input,
+                                             bool isSingleThreaded) {
+    return new AudioDecoder(codec, input, isSingleThreaded);
+}
+
+}  // namespace Tarnex::Libav

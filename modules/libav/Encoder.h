@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "modules/libav/EncoderInput.h"
+#include "modules/libav/Parameters.h"
+
+namespace Tarnex::Libav {
+
+struct EncoderOptions {
+    bool isFastest = false;
+    bool isSingleThreaded = false;
+};
+
+/// An encoder of libavcodec. Its packets are in the form in which a parser of files would deliver
+/// them, so that decoders need not know where a stream comes from. Thread-bound.
+class Encoder : public CodedStream {
+public:
+    /// Throws `Tarnex::Exception` with the reason if the encoder can't be opened.
+    Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamVideo> stream, EncoderOptions options);
+    Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamAudio> stream, EncoderOptions options);
+
+    Proc::MediaKind GetMediaKind() const override;
+    Proc::Pointer<Proc::IFormatCodec> GetCodecFormat() const override;
+    const AVCodecParameters& GetParameters() const override { return *parameters; }
+    AVRational GetTimeBase() const override { return coder->time_base; }
+
+protected:
+    Proc::Pointer<Proc::IData> MakeNext() override;
+    void Restart() override;
+
+private:
+    void Open();
+    void Feed();
+    Handle<AVPacket> Complete(Handle<AVPacket> packet) const;
+
+    const AVCodec& codec;
+    const EncoderTraits& traits;
+    EncoderOptions options;
+    CoderLog log;
+    std::unique_ptr<EncoderInput> input;
+    Handle<AVCodecContext> coder;
+    Handle<AVCodecParameters> parameters;
+    bool isFed = false;
+    bool gaveOutput = false;
+};
+
+}  // namespace Tarnex::Libav

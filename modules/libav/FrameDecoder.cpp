@@ -1,0 +1,73 @@
+#include "modules/libav/Decoder.h"
+
+#include <string>
+
+namespace Tarnex::Libav {
+
+FrameDecoder::FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
+                           bool isSingleThreaded)
+    : codec(codec),
+      input(std::move(input)),
+      isSingleThreaded(isSingleThreaded),
+      log(std::string("Decoder ") + codec.name),
+      parameters(GetParameters(*this->input)) {
+    Open();
+}
+
+void FrameDecoder::Open() {
+    const LogScope scope(log);
+    coder = Own(avcodec_alloc_context3(&codec));
+    log.Check(avcodec_parameters_to_context(coder.get(), parameters.get()), "describing");
+    coder->codec_id = codec.id;
+    coder->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+    coder->thread_count = isSingleThreaded ? 1 : 0;
+    coder->pkt_timebase = GetTimeBase(*input);
+    coder->framerate = GetFrameRate(*input);
+    log.Check(avcodec_open2(coder.get(), &codec, nullptr), "opening");
+}
+
+Handle<AVFrame> FrameDecoder::Next() {
+    const LogScope scope(log);
+    Handle<AVFrame> frame = Own(av_frame_alloc());
+    int result = 0;
+    while ((result = avcodec_receive_frame(coder.get(), frame.get())) == AVERROR(EAGAIN)) {
+        Feed();
+    }
+    if (result == AVERROR_EOF) {
+        if (!gaveOutput) {
+            log.Fail("gave no output");
+        }
+        return {};
+    }
+    log.Check(result, "decoding");
+    gaveOutput = true;
+    const std::int64_t time = frame->best_effort_timestamp;
+    frame->pts = time == AV_NOPTS_VALUE ? 0 : av_rescale_q(time, coder->pkt_timebase, MILLISECONDS);
+    return frame;
+}
+
+void FrameDecoder::Feed() {
+    const auto data = boost::dynamic_pointer_cast<Proc::IPacket>(input->ReadNext());
+    if (!data) {
+        log.Check(avcodec_send_packet(coder.get(), nullptr), "draining");
+        return;
+    }
+    const Handle<AVPacket> packet = ToAvPacket(*data, coder->pkt_timebase);
+    std::size_t size = 0;
+    const std::uint8_t* extraData =
+        av_packet_get_side_data(packet.get(), AV_PKT_DATA_NEW_EXTRADATA, &size);
+    if (extraData != nullptr && !gaveOutput) {
+        SetExtraData(*parameters, extraData, size);
+        Open();
+    }
+    if (packet->size == 0) {
+        return;  // such as the last one of FLAC, which corrects the extradata
+    }
+    log.Check(avcodec_send_packet(coder.get(), packet.get()), "decoding");
+}
+
+void FrameDecoder::Restart() {
+    avcodec_flush_buffers(coder.get());
+}
+
+}  // namespace Tarnex::Libav

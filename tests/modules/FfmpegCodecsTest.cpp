@@ -1,0 +1,223 @@
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "core/support/Exception.h"
+#include "modules/common/CoderStream.h"
+#include "tests/modules/Coders.h"
+
+namespace Tarnex::Tests {
+namespace {
+
+using Proc::ImplNames;
+using testing::HasSubstr;
+
+/// What libavcodec itself offers: all ids for which it finds a coder.
+std::vector<std::string> FindIds(const AVCodec* (*find)(AVCodecID)) {
+    std::vector<std::string> ids;
+    const AVCodecDescriptor* descriptor = nullptr;
+    while ((descriptor = avcodec_descriptor_next(descriptor)) != nullptr) {
+        if (descriptor->type <= AVMEDIA_TYPE_AUDIO && find(descriptor->id) != nullptr) {
+            std::string name = descriptor->name;
+            std::transform(name.begin(), name.end(), name.begin(), ::toupper);
+            ids.push_back("CODEC_ID_" + (name == "HEVC" ? "H265" : name));
+        }
+    }
+    return ids;
+}
+
+/// The failure of one read, with what a good one has to deliver checked by `check`.
+template <class Data>
+std::string ReadOne(const Pointer<Proc::IStream>& coder, bool (*check)(const Data&)) {
+    try {
+        coder->Seek(0, {});
+        coder->Prepare();
+        const auto data = boost::dynamic_pointer_cast<Data>(coder->ReadNext());
+        return data && check(*data) ? "" : "nothing of use";
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+std::string ReadPacket(const Pointer<Proc::IStream>& encoder) {
+    return ReadOne<Proc::IPacket>(encoder,
+                                  [](const Proc::IPacket& packet) { return packet.GetSize() > 0; });
+}
+
+/// Its encoder makes the loudest value of silence, whoever calls it.
+constexpr char NOT_SILENT[] = "CODEC_ID_PCM_VIDC";
+
+/// The synthetic picture is a ramp from dark to bright, the sound is silence: what survives coding.
+bool IsRamp(const Proc::IFrameVideo& frame) {
+    const Proc::Plane& luma = frame.GetPlanes().front();
+    const std::uint8_t* row =
+        luma.data + static_cast<std::ptrdiff_t>(luma.height / 2) * luma.stride;
+    const int width = frame.GetFrameInfo().width;
+    return row[width / 8] + 50 < row[width - width / 8];
+}
+
+bool IsSilence(const Proc::IFrameAudio& frame) {
+    const auto* samples = reinterpret_cast<const std::int16_t*>(frame.GetSamples());
+    return frame.GetSampleCount() > 0 &&
+           std::all_of(samples, samples + frame.GetSampleCount(),
+                       [](int sample) { return std::abs(sample) < 1500; });
+}
+
+std::string ReadFrame(const Pointer<Proc::IStream>& decoder) {
+    return boost::dynamic_pointer_cast<Proc::IStreamVideo>(decoder)
+               ? ReadOne<Proc::IFrameVideo>(decoder, IsRamp)
+               : ReadOne<Proc::IFrameAudio>(decoder, IsSilence);
+}
+
+TEST(FfmpegCodecs, OffersWhatLibavcodecHas) {
+    EXPECT_THAT(Factory()->GetEncoderCodecs(ImplNames::FFMPEG),
+                testing::UnorderedElementsAreArray(FindIds(avcodec_find_encoder)));
+    EXPECT_THAT(Factory()->GetDecoderCodecs(ImplNames::FFMPEG),
+                testing::UnorderedElementsAreArray(FindIds(avcodec_find_decoder)));
+}
+
+TEST(FfmpegCodecs, EachEncoderGivesAPacket) {
+    for (const std::string& id : FindIds(avcodec_find_encoder)) {
+        EXPECT_EQ(ReadPacket(Encode(id)), "") << id;
+    }
+}
+
+TEST(FfmpegCodecs, EachDecoderTakesWhatTheEncoderGives) {
+    const std::vector<std::string> encoders = FindIds(avcodec_find_encoder);
+    for (const std::string& id : FindIds(avcodec_find_decoder)) {
+        if (std::find(encoders.begin(), encoders.end(), id) != encoders.end()) {
+            EXPECT_EQ(ReadFrame(Decode(Encode(id))), id == NOT_SILENT ? "nothing of use" : "")
+                << id;
+        }
+    }
+}
+
+TEST(FfmpegCodecs, TestsOfOneCodecRunSideBySide) {
+    for (const char* id : {"CODEC_ID_H264", "CODEC_ID_AV1", "CODEC_ID_MP3"}) {
+        std::string failures[2];
+        std::thread other([&] { failures[1] = ReadFrame(Decode(Encode(id))); });
+        failures[0] = ReadFrame(Decode(Encode(id)));
+        other.join();
+        EXPECT_EQ(failures[0] + failures[1], "") << id;
+    }
+}
+
+TEST(FfmpegCodecs, ReadsAgainAfterASeek) {
+    for (const char* id : {"CODEC_ID_H264", "CODEC_ID_FLAC"}) {
+        const auto decoder = Decode(Encode(id));
+        EXPECT_EQ(ReadFrame(decoder), "") << id;
+        EXPECT_EQ(ReadFrame(decoder), "") << id;
+        while (decoder->ReadNext()) {
+        }
+    }
+}
+
+/// Packets that aren't libav's, in a stream that isn't either.
+class ForeignPacket : public Proc::RefCounted<Proc::IPacket> {
+public:
+    explicit ForeignPacket(std::vector<std::uint8_t> data) : data(std::move(data)) {}
+    const std::uint8_t* GetData() const override { return data.data(); }
+    std::size_t GetSize() const override { return data.size(); }
+    std::int64_t GetTime() const override { return 0; }
+    bool IsKey() const override { return true; }
+
+private:
+    std::vector<std::uint8_t> data;
+};
+
+class ForeignStream : public Modules::CoderStream<Proc::ICodedStream> {
+public:
+    ForeignStream(Pointer<Proc::ICodedStream> source, bool isGarbled)
+        : CoderStream(source, "foreign"), source(std::move(source)), isGarbled(isGarbled) {}
+    Proc::MediaKind GetMediaKind() const override { return source->GetMediaKind(); }
+    Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return source->GetCodecFormat(); }
+
+protected:
+    Pointer<Proc::IData> MakeNext() override {
+        const auto packet = boost::dynamic_pointer_cast<Proc::IPacket>(source->ReadNext());
+        if (!packet) {
+            return {};
+        }
+        std::vector<std::uint8_t> data(packet->GetData(), packet->GetData() + packet->GetSize());
+        if (isGarbled) {
+            std::fill(data.begin(), data.end(), std::uint8_t{0xA5});
+        }
+        return new ForeignPacket(std::move(data));
+    }
+    void Restart() override {}
+
+private:
+    Pointer<Proc::ICodedStream> source;
+    bool isGarbled;
+};
+
+TEST(FfmpegCodecs, DecodesStreamsThatAreNotLibavs) {
+    for (const char* id : {"CODEC_ID_H264", "CODEC_ID_VP9", "CODEC_ID_AAC", "CODEC_ID_VORBIS"}) {
+        EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode(id), false))), "") << id;
+    }
+}
+
+TEST(FfmpegCodecs, FailureSaysWhatLibavLogged) {
+    EXPECT_THAT(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), true))),
+                testing::StartsWith("Decoder png: decoding: Invalid data found when processing "
+                                    "input; libav logged: Invalid PNG signature"));
+}
+
+TEST(FfmpegCodecs, NoOutputIsAFailure) {
+    const auto input = Encode("CODEC_ID_MP2");
+    const auto decoder = Decode(input);
+    while (input->ReadNext()) {
+    }
+    EXPECT_THROW(
+        try { decoder->ReadNext(); } catch (const Exception& failure) {
+            EXPECT_STREQ(failure.what(), "Decoder mp2: gave no output");
+            throw;
+        },
+        Exception);
+}
+
+TEST(FfmpegCodecs, RefusesAbsurdFormats) {
+    const struct {
+        void (*spoil)(Proc::IFormatCodecVideo&);
+        const char* text;
+    } pictures[] = {
+        {[](auto& format) { format.InitByPixelAspect(1, 1, 1, 1); }, "1 by 1 pixels"},
+        {[](auto& format) { format.InitByPixelAspect(640, 100000, 1, 1); }, "640 by 100000"},
+        {[](auto& format) { format.InitByPixelAspect(640, 480, 0, 1); }, "of 0:1"},
+        {[](auto& format) { format.SetFrameRate(25, 0); }, "at 25/0"},
+    };
+    for (const auto& row : pictures) {
+        const Pointer<Core::Utils::FakeStreamVideo> source(
+            new Core::Utils::FakeStreamVideo(ImplNames::FFMPEG, "CODEC_ID_MPEG4"));
+        row.spoil(*source->GetFormatCodec());
+        try {
+            Encode("CODEC_ID_MPEG4", source, ImplNames::FFMPEG);
+            ADD_FAILURE() << row.text;
+        } catch (const Exception& failure) {
+            EXPECT_THAT(failure.what(), HasSubstr(row.text));
+        }
+    }
+    const Pointer<Core::Utils::FakeStreamAudio> source(new Core::Utils::FakeStreamAudio());
+    source->GetFormatCodec()->SetSampleInfo({Proc::SampleFormats::S16, 0});
+    EXPECT_THROW(Encode("CODEC_ID_MP2", source, ImplNames::FFMPEG), Exception);
+}
+
+TEST(NvdecCodecs, SaysWhyWithoutAGpu) {
+    EXPECT_THAT(Factory()->GetDecoderCodecs(ImplNames::NVDEC), testing::Contains("CODEC_ID_AV1"));
+    try {
+        const auto packet = Encode("CODEC_ID_H264", ImplNames::NVDEC)->ReadNext();
+        EXPECT_TRUE(packet);  // there is one
+    } catch (const Exception& failure) {
+        EXPECT_THAT(failure.what(), HasSubstr("Encoder h264_nvenc: opening: "));
+        EXPECT_THAT(failure.what(), HasSubstr("libav logged: "));
+    }
+}
+
+}  // namespace
+}  // namespace Tarnex::Tests
