@@ -1,0 +1,105 @@
+#include "modules/MediaFoundationCodecs/Framework.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <mutex>
+#include <string>
+
+#include "core/support/Exception.h"
+#include "modules/MediaFoundationCodecs/GstPointers.h"
+
+namespace Tarnex::MediaFoundation {
+
+namespace {
+
+// The descriptor that a child process of this thread gets as standard error; -1: the inherited one.
+thread_local int childStandardError = -1;
+
+void RedirectInChild() {
+    if (childStandardError >= 0) {
+        dup2(childStandardError, STDERR_FILENO);
+    }
+}
+
+/// The plugin scanner is a child process and writes a line for each broken plugin to the standard
+/// error that it inherits, which is our parent's channel. Touches no other thread's children.
+class QuietChildren {
+public:
+    QuietChildren() {
+        static std::once_flag once;
+        std::call_once(once, [] { pthread_atfork(nullptr, nullptr, RedirectInChild); });
+        childStandardError = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    }
+    ~QuietChildren() {
+        if (childStandardError >= 0) {
+            close(childStandardError);
+        }
+        childStandardError = -1;
+    }
+    QuietChildren(const QuietChildren&) = delete;
+    QuietChildren& operator=(const QuietChildren&) = delete;
+};
+
+/// Only what ends the process is written: it is the last trace of the reason.
+void WriteFatalMessage(const gchar* domain, GLogLevelFlags level, const gchar* message,
+                       gpointer data) {
+    if ((static_cast<unsigned>(level) & G_LOG_FLAG_FATAL) != 0) {
+        g_log_default_handler(domain, level, message, data);
+    }
+}
+
+/// This plugin holds another implementation's coders, which are tested under their own name.
+void LeaveOutForeignCoders() {
+    GList* features = gst_registry_get_feature_list_by_plugin(gst_registry_get(), "libav");
+    for (GList* item = features; item != nullptr; item = item->next) {
+        gst_plugin_feature_set_rank(GST_PLUGIN_FEATURE(item->data), GST_RANK_NONE);
+    }
+    gst_plugin_feature_list_free(features);
+}
+
+void Start() {
+    const QuietChildren quietChildren;
+    gst_debug_remove_log_function(nullptr);  // the one that writes to standard error
+    g_log_set_default_handler(WriteFatalMessage, nullptr);
+    GError* error = nullptr;
+    if (gst_init_check(nullptr, nullptr, &error) == FALSE) {
+        const GstOwner<GError> owner(error);
+        throw Exception(std::string("The system's media framework doesn't start: ") +
+                        (error != nullptr ? error->message : "no reason given"));
+    }
+    LeaveOutForeignCoders();
+}
+
+bool IsSoftware(const GstElementFactory* factory) {
+    return gst_element_factory_list_is_type(const_cast<GstElementFactory*>(factory),
+                                            GST_ELEMENT_FACTORY_TYPE_HARDWARE) == FALSE;
+}
+
+}  // namespace
+
+void StartFramework() {
+    static std::once_flag once;
+    std::call_once(once, Start);
+}
+
+bool HasDecoder(const char* caps) {
+    const GstOwner<GstCaps> input(gst_caps_from_string(caps));
+    GList* decoders =
+        gst_element_factory_list_get_elements(GST_ELEMENT_FACTORY_TYPE_DECODER, GST_RANK_MARGINAL);
+    GList* fitting = gst_element_factory_list_filter(decoders, input.get(), GST_PAD_SINK, FALSE);
+    bool found = false;
+    for (const GList* item = fitting; item != nullptr; item = item->next) {
+        found = found || IsSoftware(GST_ELEMENT_FACTORY(item->data));
+    }
+    gst_plugin_feature_list_free(fitting);
+    gst_plugin_feature_list_free(decoders);
+    return found;
+}
+
+bool HasElement(const char* name) {
+    return GstOwner<GstElementFactory>(gst_element_factory_find(name)) != nullptr;
+}
+
+}  // namespace Tarnex::MediaFoundation

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "core/media/Frames.h"
+#include "modules/MediaFoundationCodecs/GstPointers.h"
+
+namespace Tarnex::MediaFoundation {
+
+/// A buffer with what describes it.
+struct Input {
+    GstOwner<GstBuffer> buffer;
+    GstOwner<GstCaps> caps;
+};
+
+// Copies for the framework. Frames of an impossible size or rate are a `Tarnex::Exception`.
+GstOwner<GstBuffer> BufferOf(std::span<const std::uint8_t> bytes);
+GstOwner<GstBuffer> BufferOf(const Proc::IPacket& packet);
+Input InputOf(const Proc::IFrameVideo& frame, const Proc::FrameRate& rate);
+Input InputOf(const Proc::IFrameAudio& frame);
+
+}  // namespace Tarnex::MediaFoundation

@@ -1,0 +1,108 @@
+#include "core/module/Module.h"
+
+#include "core/media/CodecFactory.h"
+#include "core/media/CoreManager.h"
+#include "core/media/Presets.h"
+#include "core/support/Exception.h"
+#include "modules/MediaFoundationCodecs/Decoder.h"
+#include "modules/MediaFoundationCodecs/Encoder.h"
+#include "modules/MediaFoundationCodecs/Framework.h"
+
+namespace Tarnex::MediaFoundation {
+
+namespace {
+
+using Core::CoderType;
+using Proc::MediaKind;
+
+bool IsOffered(const Codec& codec, CoderType type) {
+    if (type == CoderType::Decoder) {
+        return HasDecoder(codec.caps);
+    }
+    return type == CoderType::Encoder && codec.encoder != nullptr && HasElement(codec.encoder);
+}
+
+/// The codec, once it is known that a coder for it can be made.
+const Codec& Offered(const std::string& codecId, MediaKind kind, CoderType type) {
+    StartFramework();
+    const Codec* const codec = FindCodec(codecId);
+    if (codec == nullptr || codec->kind != kind || !IsOffered(*codec, type)) {
+        throw Exception("The system's media framework offers no " +
+                        std::string(kind == MediaKind::Video ? "video " : "audio ") +
+                        ToString(type) + " of \"" + codecId + '"');
+    }
+    return *codec;
+}
+
+bool IsSingleThreaded() {
+    const auto resources = Core::CoreManager::Instance().GetComputingResourceManager();
+    return resources->computingResourcesFlag;
+}
+
+const Codec& OfferedDecoder(const Proc::ICodedStream& input, MediaKind kind) {
+    return Offered(input.GetCodecFormat()->GetCodecID(), kind, CoderType::Decoder);
+}
+
+const Codec& OfferedEncoder(const Proc::Property& property, MediaKind kind) {
+    return Offered(property.Get(Conf::IPreset::ITEM_CODEC_ID), kind, CoderType::Encoder);
+}
+
+EncoderOptions OptionsOf(const Proc::Property& property) {
+    return {.isFastest = property.Get(Conf::IPreset::ITEM_SPEED) == Conf::IPreset::SPEED_FASTEST,
+            .isSingleThreaded = IsSingleThreaded()};
+}
+
+class Codecs : public Module::ICodecModule {
+public:
+    std::string GetImplementation() const override { return Proc::ImplNames::MEDIA_FOUNDATION; }
+
+    MediaKind GetMediaKind(const std::string& codecId) override {
+        const Codec* const codec = FindCodec(codecId);
+        return codec == nullptr ? MediaKind::None : codec->kind;
+    }
+
+    std::vector<std::string> GetCodecs(CoderType type) override {
+        StartFramework();
+        std::vector<std::string> ids;
+        for (const Codec& codec : AllCodecs()) {
+            if (IsOffered(codec, type)) {
+                ids.emplace_back(codec.id);
+            }
+        }
+        return ids;
+    }
+
+    Proc::Pointer<Proc::IStreamVideo> CreateVideoDecoder(
+        const Proc::Pointer<Proc::ICodedStream>& input) override {
+        return NewVideoDecoder(OfferedDecoder(*input, MediaKind::Video), input, IsSingleThreaded());
+    }
+    Proc::Pointer<Proc::IStreamAudio> CreateAudioDecoder(
+        const Proc::Pointer<Proc::ICodedStream>& input) override {
+        return NewAudioDecoder(OfferedDecoder(*input, MediaKind::Audio), input, IsSingleThreaded());
+    }
+    Proc::Pointer<Proc::ICodedStream> CreateVideoEncoder(
+        const Proc::Pointer<Proc::IStreamVideo>& stream, const Proc::Property& property) override {
+        return NewVideoEncoder(OfferedEncoder(property, MediaKind::Video), stream,
+                               OptionsOf(property));
+    }
+    Proc::Pointer<Proc::ICodedStream> CreateAudioEncoder(
+        const Proc::Pointer<Proc::IStreamAudio>& stream, const Proc::Property& property) override {
+        return NewAudioEncoder(OfferedEncoder(property, MediaKind::Audio), stream,
+                               OptionsOf(property));
+    }
+};
+
+}  // namespace
+
+}  // namespace Tarnex::MediaFoundation
+
+TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
+    return Tarnex::Module::VERSION;
+}
+
+// Leaves the framework alone: nobody pays for its start who doesn't ask for its codecs.
+TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
+    static auto* const codecs = new Tarnex::MediaFoundation::Codecs;
+    description.codecs = codecs;
+    return true;
+}

@@ -1,0 +1,132 @@
+#include <gst/gst.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "core/support/Exception.h"
+#include "modules/common/CoderStream.h"
+#include "tests/media_foundation/TestCore.h"
+
+namespace Tarnex::Tests {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+class Packet : public Proc::RefCounted<Proc::IPacket> {
+public:
+    explicit Packet(Bytes data) : data(std::move(data)) {}
+    const std::uint8_t* GetData() const override { return data.data(); }
+    std::size_t GetSize() const override { return data.size(); }
+    std::int64_t GetTime() const override { return 0; }
+    bool IsKey() const override { return true; }
+
+private:
+    Bytes data;
+};
+
+/// A coded stream of three packets that no decoder can make anything of.
+class Garbage : public Modules::CoderStream<Proc::ICodedStream> {
+public:
+    Garbage(const std::string& codecId, const Bytes& extraData) : CoderStream(nullptr, "Garbage") {
+        if (Proc::IsVideoCodec(codecId)) {
+            const auto video = Proc::IFormatCodecVideo::Create();
+            video->InitByPixelAspect(352, 288, 1, 1);
+            format = video;
+        } else {
+            const auto audio = Proc::IFormatCodecAudio::Create();
+            Proc::SampleInfo info;
+            info.rate = 44100;
+            audio->SetSampleInfo(info);
+            format = audio;
+        }
+        format->SetCodecID(codecId);
+        format->SetExtraData(extraData);
+    }
+    Proc::MediaKind GetMediaKind() const override {
+        return Proc::IsVideoCodec(format->GetCodecID()) ? Proc::MediaKind::Video
+                                                        : Proc::MediaKind::Audio;
+    }
+    Proc::Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return format; }
+
+protected:
+    Proc::Pointer<Proc::IData> MakeNext() override {
+        if (packets == 0) {
+            return nullptr;
+        }
+        --packets;
+        return new Packet(Bytes(1000, 0xFF));
+    }
+    void Restart() override {}
+
+private:
+    Proc::Pointer<Proc::IFormatCodec> format;
+    int packets = 3;
+};
+
+/// The failure text of a decoder that reads garbage, empty if it takes it.
+std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
+    try {
+        MakeDecoder(new Garbage(codecId, extraData))->ReadNext();
+        return {};
+    } catch (const Exception& exception) {
+        return exception.what();
+    }
+}
+
+[[noreturn]] void UseFrameworkForTheFirstTime() {
+    std::remove(std::getenv("GST_REGISTRY"));
+    setenv("GST_DEBUG", "2", 1);
+    const auto factory = Factory();
+    const bool isLazy = Proc::IsVideoCodec("CODEC_ID_H264") && gst_is_initialized() == FALSE;
+    for (const std::string& codecId : factory->GetDecoderCodecs(IMPLEMENTATION)) {
+        DecodeGarbage(codecId, {});
+    }
+    for (const std::string& codecId : factory->GetEncoderCodecs(IMPLEMENTATION)) {
+        MakeDecoder(MakeEncoder(codecId, IMPLEMENTATION))->ReadNext();
+    }
+    g_warning("what a plugin may have to say");
+    g_object_set(gst_registry_get(), "no-such-property", 1, nullptr);
+    std::_Exit(isLazy && gst_is_initialized() != FALSE ? 0 : 1);
+}
+
+TEST(FrameworkDeathTest, StartsWhenItIsAskedAndKeepsQuiet) {
+    ASSERT_NE(std::getenv("GST_REGISTRY"), nullptr) << "the user's own would be removed";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // in a process where nothing has started
+    EXPECT_EXIT(UseFrameworkForTheFirstTime(), testing::ExitedWithCode(0), testing::Eq(""));
+}
+
+TEST(Framework, GarbageIsAFailureThatNamesTheCodec) {
+    for (const std::string& codecId : Factory()->GetDecoderCodecs(IMPLEMENTATION)) {
+        const std::string text = DecodeGarbage(codecId, {});
+        EXPECT_EQ(text.find("The decoder of " + codecId), 0U) << codecId << ": " << text;
+    }
+}
+
+TEST(Framework, FailuresSayWhatTheElementSays) {
+    EXPECT_EQ(DecodeGarbage("CODEC_ID_DVVIDEO", {}),
+              "The decoder of CODEC_ID_DVVIDEO: dvdec: Could not decode stream. "
+              "(Input buffer too small)");
+    EXPECT_EQ(DecodeGarbage("CODEC_ID_VP8", {}), "The decoder of CODEC_ID_VP8 gave no output");
+}
+
+TEST(Framework, MalformedExtraDataIsAFailure) {
+    const struct {
+        const char* id;
+        Bytes extraData;
+        const char* text;
+    } rows[] = {{"CODEC_ID_VORBIS", {2, 30, 255}, "cut off"},
+                {"CODEC_ID_VORBIS", {2, 1, 1, 7}, "cut off"},
+                {"CODEC_ID_THEORA", {0, 42, 0x80}, "cut off"},
+                {"CODEC_ID_FLAC", Bytes(33), "33 bytes"}};
+    for (const auto& row : rows) {
+        const std::string text = DecodeGarbage(row.id, row.extraData);
+        EXPECT_NE(text.find(row.text), std::string::npos) << row.id << ": " << text;
+    }
+}
+
+}  // namespace
+
+}  // namespace Tarnex::Tests
