@@ -20,7 +20,8 @@ TEST(Frames, PlanesHoldThePictureAlsoOfOddSize) {
             EXPECT_EQ(plane.height, isLuma ? 5 : 3);
             EXPECT_GE(plane.stride, width);
             EXPECT_EQ(reinterpret_cast<std::uintptr_t>(plane.data) % 32, 0U);
-            const std::uint8_t* lastRow = plane.data + (plane.height - 1) * plane.stride;
+            const std::uint8_t* lastRow =
+                plane.data + std::ptrdiff_t{plane.height - 1} * plane.stride;
             EXPECT_EQ(lastRow[0], isLuma ? 16 : 128);
             EXPECT_EQ(lastRow[width - 1] > 128, isLuma);
         }
