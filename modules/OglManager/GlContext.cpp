@@ -17,7 +17,9 @@ void Require(bool success, const char* step) {
 }  // namespace
 
 GlContext::GlContext(EGLDisplay display) : display(display) {
-    Require(display != EGL_NO_DISPLAY, "eglGetDisplay");
+    if (display == EGL_NO_DISPLAY) {
+        throw Exception("no such display");
+    }
     Require(eglInitialize(display, nullptr, nullptr) == EGL_TRUE, "eglInitialize");
     try {
         Open();
