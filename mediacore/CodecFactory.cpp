@@ -1,6 +1,7 @@
 #include "core/media/CodecFactory.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "core/media/Presets.h"
@@ -40,28 +41,26 @@ public:
                                              const Property& property,
                                              const std::string& implementation,
                                              const Pointer<IRefCountable>& /*reserved*/) override {
-        ICodecModule* const module = FindEncoder(property, &implementation);
+        ICodecModule* const module = FindEncoder(property, implementation);
         return module ? module->CreateVideoEncoder(stream, property) : nullptr;
     }
 
     Pointer<ICodedStream> CreateDefaultVideoEncoder(const Pointer<IStreamVideo>& stream,
                                                     const Property& property) override {
-        ICodecModule* const module = FindEncoder(property, nullptr);
-        return module ? module->CreateVideoEncoder(stream, property) : nullptr;
+        return CreateDefault(stream, property, &ICodecModule::CreateVideoEncoder);
     }
 
     Pointer<ICodedStream> CreateAudioEncoder(const Pointer<IStreamAudio>& stream,
                                              const Property& property,
                                              const std::string& implementation,
                                              const Pointer<IRefCountable>& /*reserved*/) override {
-        ICodecModule* const module = FindEncoder(property, &implementation);
+        ICodecModule* const module = FindEncoder(property, implementation);
         return module ? module->CreateAudioEncoder(stream, property) : nullptr;
     }
 
     Pointer<ICodedStream> CreateDefaultAudioEncoder(const Pointer<IStreamAudio>& stream,
                                                     const Property& property) override {
-        ICodecModule* const module = FindEncoder(property, nullptr);
-        return module ? module->CreateAudioEncoder(stream, property) : nullptr;
+        return CreateDefault(stream, property, &ICodecModule::CreateAudioEncoder);
     }
 
     Codecs GetDecoderCodecs(const std::string& implementation) override {
@@ -74,24 +73,50 @@ public:
 
 private:
     ICodecModule* FindDecoder(const ICodedStream& input, const std::string& implementation) const {
-        return Find(CoderType::Decoder, input.GetCodecFormat()->GetCodecID(), &implementation);
+        return Find(CoderType::Decoder, input.GetCodecFormat()->GetCodecID(), implementation);
     }
 
-    ICodecModule* FindEncoder(const Property& property, const std::string* implementation) const {
+    ICodecModule* FindEncoder(const Property& property, const std::string& implementation) const {
         return Find(CoderType::Encoder, property.Get(Conf::IPreset::ITEM_CODEC_ID), implementation);
     }
 
-    /// The first module that offers the codec, of the implementation unless that is null. Asked one
-    /// by one: a module may have to start a framework to answer.
+    /// The first module of the implementation that offers the codec. Asked one by one: a module may
+    /// have to start a framework to answer.
     ICodecModule* Find(CoderType type, const std::string& codecId,
-                       const std::string* implementation) const {
+                       const std::string& implementation) const {
         for (ICodecModule* module : modules->codecs) {
-            if ((implementation == nullptr || module->GetImplementation() == *implementation) &&
+            if (module->GetImplementation() == implementation &&
                 Holds(module->GetCodecs(type), codecId)) {
                 return module;
             }
         }
         return nullptr;
+    }
+
+    /// From the first module that succeeds: one may offer a codec and lack the device for it. If
+    /// none does, the first one's reason is thrown.
+    template <class Stream>
+    Pointer<ICodedStream> CreateDefault(const Pointer<Stream>& stream, const Property& property,
+                                        Pointer<ICodedStream> (ICodecModule::*create)(
+                                            const Pointer<Stream>&, const Property&)) const {
+        const std::string codecId = property.Get(Conf::IPreset::ITEM_CODEC_ID);
+        std::exception_ptr reason;
+        for (ICodecModule* module : modules->codecs) {
+            if (!Holds(module->GetCodecs(CoderType::Encoder), codecId)) {
+                continue;
+            }
+            try {
+                if (auto encoder = (module->*create)(stream, property)) {
+                    return encoder;
+                }
+            } catch (...) {
+                reason = reason ? reason : std::current_exception();
+            }
+        }
+        if (reason) {
+            std::rethrow_exception(reason);
+        }
+        return {};
     }
 
     Codecs GetCodecs(CoderType type, const std::string& implementation) const {

@@ -31,7 +31,7 @@ public:
                                                      const Property& property,
                                                      const std::string& implementation,
                                                      const Pointer<IRefCountable>& reserved) = 0;
-    /// From the first started module that offers the codec.
+    /// From the first started module that offers the codec and can make it.
     virtual Pointer<ICodedStream> CreateDefaultVideoEncoder(const Pointer<IStreamVideo>& stream,
                                                             const Property& property) = 0;
     virtual Pointer<ICodedStream> CreateAudioEncoder(const Pointer<IStreamAudio>& stream,

@@ -35,11 +35,46 @@ class Result:
         return f"Assayer {self.arguments}: {self.code} in {self.seconds:.1f} s\n{self.out}\n{self.err}"
 
 
-class Installation:
-    """A directory with the program and the modules that a test puts there."""
+class Program:
+    """The program in its installation directory."""
 
     def __init__(self, directory):
         self.directory = directory
+
+    def run(self, *arguments, environment=None, limit=60, **options):
+        process_environment = {
+            key: value for key, value in os.environ.items() if key not in ("LOCALAPPDATA", "DISPLAY")
+        }
+        process_environment.update(environment or {})
+        started = time.monotonic()
+        process = subprocess.Popen(
+            [self.directory / "Assayer", *arguments],
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            env=process_environment,
+            **options,
+        )
+        try:
+            out, err = process.communicate(timeout=limit)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            out, err = process.communicate()
+            pytest.fail(f"Assayer {arguments} did not end by itself\n{err.decode(errors='replace')}")
+        return Result(
+            arguments,
+            process,
+            out.decode(errors="surrogateescape"),
+            err.decode(errors="surrogateescape"),
+            time.monotonic() - started,
+        )
+
+
+class Installation(Program):
+    """A throw-away directory with the program and the modules that a test puts there."""
+
+    def __init__(self, directory):
+        super().__init__(directory)
         self.plugins = {}
         shutil.copy(APP / "Assayer", directory)
         for library in APP.glob("lib*.so*"):
@@ -79,37 +114,15 @@ class Installation:
         path.write_bytes(content if isinstance(content, bytes) else content.encode())
         return str(path)
 
-    def run(self, *arguments, environment=None, limit=60, **options):
-        process_environment = {
-            key: value for key, value in os.environ.items() if key not in ("LOCALAPPDATA", "DISPLAY")
-        }
-        process_environment.update(environment or {})
-        started = time.monotonic()
-        process = subprocess.Popen(
-            [self.directory / "Assayer", *arguments],
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.PIPE,
-            env=process_environment,
-            **options,
-        )
-        try:
-            out, err = process.communicate(timeout=limit)
-        except subprocess.TimeoutExpired:
-            process.kill()
-            out, err = process.communicate()
-            pytest.fail(f"Assayer {arguments} did not end by itself\n{err.decode(errors='replace')}")
-        return Result(
-            arguments,
-            process,
-            out.decode(errors="surrogateescape"),
-            err.decode(errors="surrogateescape"),
-            time.monotonic() - started,
-        )
-
 
 @pytest.fixture
 def installation(tmp_path):
     directory = tmp_path / "app"
     directory.mkdir()
     return Installation(directory)
+
+
+@pytest.fixture
+def shipped():
+    """The program with the modules that come with it."""
+    return Program(APP)

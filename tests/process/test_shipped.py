@@ -1,0 +1,84 @@
+"""The shipped codec modules through the real program."""
+
+import os
+import re
+import subprocess
+from pathlib import Path
+
+import pytest
+from conftest import APP, FIXTURES
+
+FFMPEG, NVDEC, FRAMEWORK = "FFMPEG_IMPL", "NVDEC_IMPL", "MEDIA_FOUNDATION_IMPL"
+COMMON = ["AAC", "H264", "H265", "AC3", "DVVIDEO", "H263", "OPUS", "VP9", "FLAC", "MP3"]
+OF_FRAMEWORK = "AAC MP3 OPUS VORBIS FLAC AC3 H264 H265 VP8 VP9 AV1 MJPEG THEORA MPEG2VIDEO DVVIDEO".split()
+NOT_ENCODED_BY_FRAMEWORK = {"AC3", "MPEG2VIDEO", "DVVIDEO"}
+SAMPLES = {path.stem for path in (APP / "resources" / "codecSamples").iterdir()}
+has_framework = pytest.mark.skipif(not (APP / "MediaFoundationCodecs.so").exists(), reason="built without it")
+
+
+def ids(names):
+    return ",".join(f"CODEC_ID_{name}" for name in names)
+
+
+def named(kind, implementation, names):
+    return {f"{kind}.{implementation}.CODEC_ID_{name}" for name in names}
+
+
+@pytest.fixture(autouse=True)
+def registry(tmp_path, monkeypatch):
+    monkeypatch.setenv("GST_REGISTRY", os.environ.get("GST_REGISTRY", str(tmp_path / "registry")))
+
+
+def test_every_codec_of_libavcodec(shipped):
+    lines = subprocess.run([FIXTURES / "ListCodecs"], capture_output=True, text=True, check=True).stdout.split("\n")
+    offered = {kind: {line.split()[1] for line in lines if line.startswith(kind)} for kind in ("decoder", "encoder")}
+    every = ",".join(sorted(offered["decoder"] | offered["encoder"]))
+    result = shipped.run("codecs", "600", FFMPEG, every, *"-----", "1", limit=610)
+    assert result.code == 8, result
+    without_input = {f"Decoder.{FFMPEG}.{codec}" for codec in offered["decoder"] - offered["encoder"] - SAMPLES}
+    assert set(result.of("CODECS")) == without_input
+    assert set(result.of("ERROR")) == {f"{name.split('.', 2)[2]} stream not found" for name in without_input}
+    assert len(result.of("TEST_CODEC")) == len(offered["decoder"]) + len(offered["encoder"])
+    foreign = [line for line in result.err.splitlines()[1:] if not re.match(r"[IWE]\d{8} ", line)]
+    assert foreign == [] and result.out == "", foreign
+
+
+def test_common_codecs_and_their_module_disabled(shipped):
+    result = shipped.run("all", "60", FFMPEG, ids(COMMON))
+    assert result.code == 0 and len(result.of("TEST_CODEC")) == 2 * len(COMMON), result
+    assert "Using test file: CODEC_ID_H264.h264" in result.err and "Using FakeStream" in result.err
+    disabled = shipped.run("all", "60", FFMPEG, ids(COMMON), "FfmpegCodecs")
+    assert disabled.code == 0 and disabled.of("TEST_CODEC") == [], disabled
+    assert disabled.of("TESTED_CODECS") == ["true"]
+
+
+@pytest.mark.skipif(Path("/dev/nvidia0").exists(), reason="there is a GPU")
+def test_without_a_gpu_its_codecs_are_broken(shipped):
+    result = shipped.run("codecs", "60", NVDEC, ids(["H264"]))
+    assert result.code == 8, result
+    assert set(result.of("CODECS")) == {f"{kind}.{NVDEC}.CODEC_ID_H264" for kind in ("Decoder", "Encoder")}
+    assert all("Cannot load lib" in text for text in result.of("ERROR")), result
+
+
+@has_framework
+@pytest.mark.parametrize("threads", ["-", "1"])
+def test_two_implementations_in_one_run(shipped, threads):
+    result = shipped.run("codecs", "60", f"{FFMPEG},{FRAMEWORK}", ids(OF_FRAMEWORK), *"-----", threads)
+    assert result.code == 0, result
+    encoded = set(OF_FRAMEWORK) - NOT_ENCODED_BY_FRAMEWORK
+    assert set(result.of("TEST_CODEC")) == (
+        named("Decoder", FFMPEG, OF_FRAMEWORK)
+        | named("Decoder", FRAMEWORK, OF_FRAMEWORK)
+        | named("Encoder", FFMPEG, OF_FRAMEWORK)
+        | named("Encoder", FRAMEWORK, encoded)
+    )
+
+
+@has_framework
+def test_framework_without_the_other_implementation(shipped):
+    result = shipped.run("all", "60", FRAMEWORK, ids(OF_FRAMEWORK), "FfmpegCodecs")
+    assert result.code == 8, result
+    # Samples and the framework's own default encoder serve as input; the rest has none.
+    fed = {name for name in OF_FRAMEWORK if f"CODEC_ID_{name}" in SAMPLES} | {"H265"}
+    assert set(result.of("CODECS")) == named("Decoder", FRAMEWORK, set(OF_FRAMEWORK) - fed), result
+    assert all(text.endswith(" stream not found") for text in result.of("ERROR")), result
