@@ -3,7 +3,7 @@
 Usage: plugin_phase.py APP_DIRECTORY BARE_LOOP [ROUNDS]
 
 Collects the machine's own modules into a copy of the installation directory and runs, in turns,
-Assayer over them, Assayer without them, the bare loop over them and the bare loop without them. The
+Assayer over them, Assayer without them, Assayer refused, the bare loop over them and the bare loop without them. The
 figure is the quotient of the two differences of medians, once for wall time and once for processor
 time; it ends with status 1 if that of the wall time is above the limit. It may be below 1: libraries
 that Assayer itself has loaded aren't loaded again for its modules."""
@@ -57,6 +57,7 @@ def main(app, bare_loop, rounds):
         modules = read_modules(full)
         commands = {"Assayer": [full / "Assayer", "plugins", "60"],
                     "Assayer, no modules": [empty / "Assayer", "plugins", "60"],
+                    "Assayer, refused": [empty / "Assayer"],
                     "bare loop": [bare_loop, *(word for module in modules for word in module)],
                     "bare loop, no modules": [bare_loop]}
         loads, failures = count_loads(commands["Assayer"], environment)
