@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "core/media/FrameTiming.h"
 #include "core/support/Exception.h"
-#include "mediacore/FrameTiming.h"
 
 namespace Tarnex::Proc {
 namespace {

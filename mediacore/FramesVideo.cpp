@@ -4,8 +4,8 @@
 #include <cstring>
 #include <memory>
 
+#include "core/media/FrameTiming.h"
 #include "core/support/Exception.h"
-#include "mediacore/FrameTiming.h"
 
 namespace Tarnex::Proc {
 namespace {

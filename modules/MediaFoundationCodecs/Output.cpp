@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/media/FrameTiming.h"
 #include "core/support/Exception.h"
 
 namespace Tarnex::MediaFoundation {
@@ -72,22 +73,7 @@ private:
     Mapping mapping;
 };
 
-/// What frames of both kinds have. Their content is there from the beginning.
-template <class Interface>
-class TimedFrame : public Proc::RefCounted<Interface> {
-public:
-    std::int64_t GetFrameLength() const override { return length; }
-    void SetFrameLength(std::int64_t newLength) override { length = newLength; }
-    std::int64_t GetFrameTime() const override { return time; }
-    void SetFrameTime(std::int64_t newTime) override { time = newTime; }
-    void PrepareFrame() override {}
-
-private:
-    std::int64_t time = 0;
-    std::int64_t length = 0;
-};
-
-class VideoFrame : public TimedFrame<Proc::IFrameVideo> {
+class VideoFrame : public Proc::FrameTiming<Proc::IFrameVideo> {
 public:
     explicit VideoFrame(GstOwner<GstSample> newSample) : sample(std::move(newSample)) {
         GstVideoInfo info;
@@ -130,7 +116,7 @@ private:
     std::vector<Proc::Plane> planes;
 };
 
-class AudioFrame : public TimedFrame<Proc::IFrameAudio> {
+class AudioFrame : public Proc::FrameTiming<Proc::IFrameAudio> {
 public:
     explicit AudioFrame(GstOwner<GstSample> sample) : mapping(std::move(sample)) {
         GstAudioInfo info;

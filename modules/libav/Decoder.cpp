@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/media/FrameTiming.h"
 #include "modules/libav/Conversion.h"
 
 namespace Tarnex::Libav {
@@ -11,22 +12,14 @@ using Proc::Pointer;
 
 /// A frame that libav holds.
 template <class Interface>
-class DecodedFrame : public Proc::RefCounted<Interface> {
+class DecodedFrame : public Proc::FrameTiming<Interface> {
 public:
-    explicit DecodedFrame(Handle<AVFrame> decoded) : frame(std::move(decoded)), time(frame->pts) {}
-
-    std::int64_t GetFrameLength() const override { return length; }
-    void SetFrameLength(std::int64_t newLength) override { length = newLength; }
-    std::int64_t GetFrameTime() const override { return time; }
-    void SetFrameTime(std::int64_t newTime) override { time = newTime; }
-    void PrepareFrame() override {}
+    explicit DecodedFrame(Handle<AVFrame> decoded) : frame(std::move(decoded)) {
+        this->SetFrameTime(frame->pts);
+    }
 
 protected:
     Handle<AVFrame> frame;
-
-private:
-    std::int64_t time;
-    std::int64_t length = 0;
 };
 
 class DecodedPicture : public DecodedFrame<Proc::IFrameVideo> {
