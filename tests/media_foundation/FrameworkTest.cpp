@@ -7,13 +7,15 @@
 
 #include "core/support/Exception.h"
 #include "modules/common/CoderStream.h"
-#include "tests/media_foundation/TestCore.h"
+#include "tests/modules/Coders.h"
 
 namespace Tarnex::Tests {
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
+
+constexpr const char* IMPLEMENTATION = Proc::ImplNames::MEDIA_FOUNDATION;
 
 class Packet : public Proc::RefCounted<Proc::IPacket> {
 public:
@@ -69,7 +71,7 @@ private:
 /// The failure text of a decoder that reads garbage, empty if it takes it.
 std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
     try {
-        MakeDecoder(new Garbage(codecId, extraData))->ReadNext();
+        Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext();
         return {};
     } catch (const Exception& exception) {
         return exception.what();
@@ -85,7 +87,7 @@ std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
         DecodeGarbage(codecId, {});
     }
     for (const std::string& codecId : factory->GetEncoderCodecs(IMPLEMENTATION)) {
-        MakeDecoder(MakeEncoder(codecId, IMPLEMENTATION))->ReadNext();
+        Decode(Encode(codecId, IMPLEMENTATION), IMPLEMENTATION)->ReadNext();
     }
     g_warning("what a plugin may have to say");
     g_object_set(gst_registry_get(), "no-such-property", 1, nullptr);

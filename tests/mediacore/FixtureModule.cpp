@@ -7,22 +7,9 @@
 using namespace Tarnex::Proc;  // NOLINT(google-build-using-namespace)
 using Tarnex::Core::CoderType;
 
-extern "C" void NobodyDefinesThis();
-
 namespace {
 
-enum Behaviour {
-    First,
-    Second,
-    Parser,
-    LateParser,
-    OldVersion,
-    Refuses,
-    Throws,
-    Empty,
-    BadName,
-    Unresolved
-};
+enum Behaviour { First, Second, Parser, LateParser, Refuses, Throws, BadName };
 
 /// Offers the video codec A and, as Second, the audio codec B besides. Its coders are exceptions
 /// that tell who was asked.
@@ -68,18 +55,15 @@ public:
 }  // namespace
 
 TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
-    return Tarnex::Module::VERSION + (BEHAVIOUR == OldVersion ? 1 : 0);
+    return Tarnex::Module::VERSION;
 }
 
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
     static int calls = 0;
     static Codecs codecs;
     static RefusingParser parser;
-    if (++calls > 1 || BEHAVIOUR == OldVersion) {
-        std::abort();  // initialised twice, or in spite of its version
-    }
-    if constexpr (BEHAVIOUR == Unresolved) {
-        NobodyDefinesThis();
+    if (++calls > 1) {
+        std::abort();  // initialised twice
     }
     switch (BEHAVIOUR) {
         case Refuses:
@@ -89,8 +73,6 @@ TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& de
         case Parser:
         case LateParser:
             description.parser = &parser;
-            return true;
-        case Empty:
             return true;
         default:
             description.codecs = &codecs;

@@ -24,10 +24,7 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
     };
     const Case cases[] = {
         {CodecFactoryImpl::TryToLoadModule, "Absent", "No such file"},
-        {CodecFactoryImpl::TryToLoadModule, "Unresolved", "undefined symbol: NobodyDefinesThis"},
-        {CodecFactoryImpl::TryToLoadModule, "OldVersion", "version 2 of the module interface"},
         {CodecFactoryImpl::TryToLoadModule, "Refuses", "refused to initialise"},
-        {CodecFactoryImpl::TryToLoadModule, "Empty", "offers nothing"},
         {CodecFactoryImpl::TryToLoadModule, "BadName", "implementation name \"A.B\""},
         {CodecFactoryImpl::TryToLoadModule, "Parser", "offers no codecs"},
         {MuxerFactoryImpl::TryToLoadModule, "Parser", "offers no muxer"},
