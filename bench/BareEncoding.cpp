@@ -1,5 +1,7 @@
 #include "bench/BareEncoding.h"
 
+#include <stdexcept>
+
 #include "core/media/CodecFactory.h"
 #include "core/media/Frames.h"
 #include "modules/libav/CodecTable.h"
@@ -126,7 +128,7 @@ std::string NameOfEncoder(const std::string& codecId) {
     return avcodec_find_encoder(Libav::FromCodecId(codecId))->name;
 }
 
-bool EncodeBare(const std::string& codecId) {
+void EncodeBare(const std::string& codecId) {
     const AVCodec* codec = avcodec_find_encoder(Libav::FromCodecId(codecId));
     const EncoderTraits& traits = Libav::GetTraits(*codec);
     const Handle<AVCodecContext> coder = Own(avcodec_alloc_context3(codec));
@@ -144,13 +146,14 @@ bool EncodeBare(const std::string& codecId) {
     av_dict_parse_string(&options, traits.fastest, "=", " ", 0);
     const int result = avcodec_open2(coder.get(), codec, &options);
     av_dict_free(&options);
-    if (result < 0) {
-        return false;
+    if (result >= 0) {
+        frame = codec->type == AVMEDIA_TYPE_VIDEO ? Convert(std::move(frame), *coder)
+                                                  : MakeSilence(*coder);
+        frame->pts = 0;
     }
-    frame =
-        codec->type == AVMEDIA_TYPE_VIDEO ? Convert(std::move(frame), *coder) : MakeSilence(*coder);
-    frame->pts = 0;
-    return ReceivePacket(*coder, std::move(frame));
+    if (result < 0 || !ReceivePacket(*coder, std::move(frame))) {
+        throw std::runtime_error("libavcodec alone gave no packet of " + codecId);
+    }
 }
 
 }  // namespace Tarnex::Bench
