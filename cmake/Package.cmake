@@ -1,0 +1,34 @@
+# What an installation holds beside its application directory, and the Debian package of all of it.
+include(GNUInstallDirs)
+install(FILES doc/Assayer.1 doc/assayer-collect.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+# Laid out as in the sources, so that the links between the documents hold.
+install(FILES README.md ARCHITECTURE.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
+install(FILES doc/protocol.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
+
+foreach(command Assayer assayer-collect)
+  set(link ${PROJECT_BINARY_DIR}/links/${command})
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
+  file(CREATE_LINK ../${ASSAYER_INSTALL_DIR}/${command} ${link} SYMBOLIC)
+  install(FILES ${link} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endforeach()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "Assayer developers <assayer@tarnex.invalid>")
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/PackageDependencies.cmake)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Loads plugin modules and tests codecs in a process of its own, names each before it is touched, and
+tells its parent by records and exit code which can be trusted.")
+# What no link shows: the graphics drivers, and the elements of the optional media framework.
+set(ASSAYER_RECOMMENDS libgl1-mesa-dri gstreamer1.0-plugins-base gstreamer1.0-plugins-good
+  gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly)
+list(JOIN ASSAYER_RECOMMENDS ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS)
+get_property(files GLOBAL PROPERTY ASSAYER_APP_FILES)
+file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/app-files.txt CONTENT "$<JOIN:${files},\n>\n")
+set(CPACK_ASSAYER_APP_FILES ${PROJECT_BINARY_DIR}/app-files.txt)
+set(CPACK_ASSAYER_APP_DIR ${ASSAYER_APP_DIR})
+include(CPack)
