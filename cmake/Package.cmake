@@ -21,8 +21,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"${PROJECT_DESCRIPTION}
-Loads plugin modules and tests codecs in a process of its own, names each before it is touched, and
+"Loads plugin modules and tests codecs in a process of its own, names each before it is touched, and
 tells its parent by records and exit code which can be trusted.")
 # What no link shows: the graphics drivers, and the elements of the optional media framework.
 set(ASSAYER_RECOMMENDS libgl1-mesa-dri gstreamer1.0-plugins-base gstreamer1.0-plugins-good

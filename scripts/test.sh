@@ -5,4 +5,6 @@ here="$(cd "$(dirname "$0")" && pwd)"
 preset="${1:-release}"
 "$here/setup.sh" build run test
 "$here/build.sh" "$preset" -DASSAYER_TESTS=ON -DASSAYER_WERROR=ON
+export LSAN_OPTIONS="suppressions=$here/../tests/leaks.supp:print_suppressions=0"
+export TSAN_OPTIONS="suppressions=$here/../tests/races.supp:print_suppressions=0"
 ctest --test-dir "$here/../build/$preset" --output-on-failure

@@ -31,7 +31,7 @@ output="$(mktemp)"
 trap 'rm -f "$output"' EXIT
 install -m 644 "$package" "$root/tmp/assayer.deb"
 as_root apt-get update -q
-as_root apt-get install -q -y /tmp/assayer.deb
+as_root apt-get install -q -y --reinstall /tmp/assayer.deb
 rm "$root/tmp/assayer.deb"
 
 check '[LOADED_PLUGINS]true[/LOADED_PLUGINS]' plugins 60
