@@ -180,8 +180,9 @@ TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
 }
 
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
-    static BadCodecs codecs;
-    description.codecs = &codecs;
+    // Never destroyed: other threads may be in it while one ends the process.
+    static BadCodecs* const codecs = new BadCodecs;
+    description.codecs = codecs;
     std::atexit([] { std::printf("coders left: %d\n", liveCoders.load()); });
     return true;
 }
