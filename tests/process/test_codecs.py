@@ -1,9 +1,6 @@
 """The codec phase of the real program, on coders that misbehave on purpose."""
 
-import signal
-
 import pytest
-from conftest import not_sanitized
 
 TESTED = ("TESTED_CODECS", "true")
 IMPL = "FFMPEG_IMPL"
@@ -100,20 +97,6 @@ def test_what_is_no_codec_test_is_told(bad_codecs):
     bad = bad_codecs.file("bad", "Codecs.Encode.X: Y\n")
     result = check(bad_codecs, OK[0], rest=("-", "-", bad))
     assert result.code == 4 and bad in result.of("ERROR")[0], result
-
-
-@not_sanitized
-@pytest.mark.parametrize("threads", ["-", "1"])
-@pytest.mark.parametrize("kind", ["Decoder", "Encoder"])
-def test_crash_and_hang_leave_their_name(bad_codecs, kind, threads):
-    for fault, code in [("CRASH", -signal.SIGSEGV), ("HANG", 2)]:
-        codec = f"CODEC_ID_{kind.upper()}_{fault}"
-        result = check(bad_codecs, codec, *OK, rest=("-",) * 5 + (threads,), limit="1")
-        assert result.code == code and result.seconds < 2.2, result
-        open_tests = set(result.of("TEST_CODEC")) - set(result.of("CODECS"))
-        assert test_id(kind, codec) in open_tests and result.of("TESTED_CODECS") == [], result
-        if threads == "-":
-            assert result.of("TEST_CODEC")[-1] == test_id(kind, codec), result
 
 
 def test_disabled_modules_offer_nothing(bad_codecs):

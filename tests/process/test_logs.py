@@ -70,7 +70,7 @@ def test_a_module_sees_the_published_directory(installation, tmp_path):
 
 
 @not_sanitized
-@pytest.mark.parametrize("name, end", [("crash-in-init", signal.SIGSEGV), ("killed-in-init", signal.SIGKILL)])
+@pytest.mark.parametrize("name, end", [("segfault", signal.SIGSEGV), ("killed", signal.SIGKILL)])
 def test_files_are_complete_up_to_the_culprit(installation, tmp_path, name, end):
     installation.add("good.1", "throws-std", name)
     result = installation.run("plugins", "60", environment={"LOCALAPPDATA": str(tmp_path)})
@@ -133,7 +133,7 @@ def test_statistics_say_what_was_found(installation):
 
 @not_sanitized
 def test_a_run_that_ends_early_has_no_statistics(installation):
-    installation.add("hang-in-init")
+    installation.add("hang")
     for arguments, code in [(("plugins",), 3), (("plugins", "x"), 5), (("plugins", "0"), 2)]:
         result = installation.run(*arguments)
         assert result.code == code and result.of("STATISTICS") == [], result

@@ -1,13 +1,12 @@
-// A codec module whose coders misbehave as the codec id says: "CODEC_ID_DECODER_CRASH" has a good
-// encoder, which makes the input of the bad decoder's test; "CODEC_ID_ENCODER_CRASH" has a bad
+// A codec module whose coders misbehave as the codec id says: "CODEC_ID_DECODER_ABORT" has a good
+// encoder, which makes the input of the bad decoder's test; "CODEC_ID_ENCODER_ABORT" has a bad
 // encoder alone; of "CODEC_ID_GOOD_0" and its like both are good. It poses as the implementation
 // that makes the input of decoder tests. At the end of the process it tells how many coders still
 // live.
 
-#include <unistd.h>
-
+#include <algorithm>
 #include <atomic>
-#include <csignal>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -16,27 +15,43 @@
 #include "core/module/Module.h"
 #include "core/support/Exception.h"
 #include "modules/common/CoderStream.h"
+#include "tests/process/modules/Faults.h"
 
 namespace {
 
 using namespace Tarnex::Proc;  // NOLINT(google-build-using-namespace)
 using Tarnex::Core::CoderType;
 
-const char* const BEHAVIOURS[] = {"GIVES_NOTHING", "THROWS_STD", "THROWS_TARNEX", "THROWS_INT",
-                                  "CRASH",         "HANG",       "READS_NOTHING", "READ_THROWS"};
+const char* const BEHAVIOURS[] = {"GIVES_NOTHING", "THROWS_STD",    "THROWS_TARNEX",
+                                  "THROWS_INT",    "READS_NOTHING", "READ_THROWS"};
 constexpr int GOOD_COUNT = 200;
 
 std::atomic<int> liveCoders = 0;
 
+/// "TAKES_SIGNALS" for the fault "takes-signals".
+std::string CodecName(const std::string& fault) {
+    std::string name;
+    std::transform(fault.begin(), fault.end(), std::back_inserter(name), [](unsigned char c) {
+        return c == '-' ? '_' : static_cast<char>(std::toupper(c));
+    });
+    return name;
+}
+
+std::vector<std::string> GetBehaviours() {
+    std::vector<std::string> names(std::begin(BEHAVIOURS), std::end(BEHAVIOURS));
+    for (const auto& [name, action] : Faults::All()) {
+        names.push_back(CodecName(name));
+    }
+    return names;
+}
+
 void Misbehave(const std::string& codecId) {
-    const auto is = [&](const char* what) { return codecId.find(what) != std::string::npos; };
-    if (is("CRASH")) {
-        std::raise(SIGSEGV);
-    } else if (is("HANG")) {
-        for (;;) {
-            pause();
+    for (const auto& [name, action] : Faults::All()) {
+        if (codecId.ends_with("CODER_" + CodecName(name))) {
+            action();
         }
-    } else if (is("READ_THROWS")) {
+    }
+    if (codecId.ends_with("READ_THROWS")) {
         throw Tarnex::Exception("read reason");
     }
 }
@@ -121,10 +136,10 @@ class BadCodecs : public Tarnex::Module::ICodecModule {
 
     std::vector<std::string> GetCodecs(CoderType type) override {
         std::vector<std::string> ids;
-        for (const char* behaviour : BEHAVIOURS) {
-            ids.push_back(std::string("CODEC_ID_DECODER_") + behaviour);
+        for (const std::string& behaviour : GetBehaviours()) {
+            ids.push_back("CODEC_ID_DECODER_" + behaviour);
             if (type == CoderType::Encoder) {
-                ids.push_back(std::string("CODEC_ID_ENCODER_") + behaviour);
+                ids.push_back("CODEC_ID_ENCODER_" + behaviour);
             }
         }
         for (int i = 0; i < GOOD_COUNT; ++i) {
@@ -165,8 +180,9 @@ TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
 }
 
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
-    static BadCodecs codecs;
-    description.codecs = &codecs;
+    // Never destroyed: other threads may be in it while one ends the process.
+    static BadCodecs* const codecs = new BadCodecs;
+    description.codecs = codecs;
     std::atexit([] { std::printf("coders left: %d\n", liveCoders.load()); });
     return true;
 }

@@ -1,19 +1,18 @@
 // A codec module that misbehaves as its file name says: the part before the first point of
-// "crash-in-init.3.so" chooses, so that links of other names make a crowd of the same kind.
+// "segfault.3.so" chooses, so that copies of other names make a crowd of the same kind. A fault
+// comes in the initialisation, or with the ending "-in-constructor" when the module is opened.
 
 #include <dlfcn.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include "core/module/Module.h"
 #include "core/support/Exception.h"
+#include "tests/process/modules/Faults.h"
 
 namespace {
 
@@ -27,29 +26,10 @@ std::string Behaviour() {
     return name.substr(0, name.find('.'));
 }
 
-void Crash() {
-    std::raise(SIGSEGV);
-}
-
-[[noreturn]] void Hang() {
-    for (;;) {
-        pause();
-    }
-}
-
-void FloodStandardError() {
-    const std::string noise(5000, 'x');
-    for (int i = 0; i < 20; ++i) {
-        static_cast<void>(!write(STDERR_FILENO, noise.data(), noise.size()));
-    }
-}
-
 __attribute__((constructor)) void OnOpen() {
     const std::string behaviour = Behaviour();
-    if (behaviour == "crash-in-constructor") {
-        Crash();
-    } else if (behaviour == "hang-in-constructor") {
-        Hang();
+    if (const auto place = behaviour.find("-in-constructor"); place != std::string::npos) {
+        Faults::Make(behaviour.substr(0, place));
     }
 }
 
@@ -84,17 +64,13 @@ bool Initialize(Description& description) {
         {"throws-tarnex", [] { throw Tarnex::Exception("tarnex reason"); }},
         {"throws-int", [] { throw 42; }},
         {"throws-odd-bytes", [] { throw std::runtime_error("odd \"\\\xff\n"); }},
-        {"tells-log-path",
-         [] { std::printf("TarnexLogPath=%s\n", std::getenv("TarnexLogPath")); }},
-        {"killed-in-init", [] { std::raise(SIGKILL); }},
-        {"crash-in-init", Crash},
-        {"hang-in-init", [] { Hang(); }},
-        {"exits", [] { std::exit(0); }},
-        {"floods", FloodStandardError},
+        {"tells-log-path", [] { std::printf("TarnexLogPath=%s\n", std::getenv("TarnexLogPath")); }},
     };
     const std::string behaviour = Behaviour();
     if (const auto action = actions.find(behaviour); action != actions.end()) {
         action->second();
+    } else {
+        Faults::Make(behaviour);
     }
     if (behaviour != "describes-nothing") {
         description.codecs = &codecs;

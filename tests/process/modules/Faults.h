@@ -1,0 +1,158 @@
+#pragma once
+
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <locale>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// What the code of a module can do to the process that it is in.
+namespace Faults {
+
+[[noreturn]] inline void Hang() {
+    for (;;) {
+        pause();
+    }
+}
+
+inline void WriteToNowhere() {
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 1;
+}
+
+inline int Recurse(const volatile char* above) {
+    volatile char block[1024] = {};
+    return above == block ? 0 : Recurse(block) + block[0];
+}
+
+inline void DivideByZero() {
+    volatile int one = 1, zero = 0;
+    zero = one / zero;
+}
+
+[[noreturn]] inline void HangUnderBlockedSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, nullptr);
+    Hang();
+}
+
+[[noreturn]] inline void HangInDestructor() {
+    struct Hanging {
+        ~Hanging() { Hang(); }
+    };
+    static const Hanging hanging;
+    Hang();
+}
+
+inline void LeaveDirectory() {
+    std::string folder = "/tmp/assayer-XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr || chdir(folder.c_str()) != 0 ||
+        rmdir(folder.c_str()) != 0) {
+        throw std::runtime_error("still in the directory");
+    }
+}
+
+/// System calls are interrupted from here on.
+inline void TakeSignals() {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    const itimerval often{{0, 1000}, {0, 1000}};
+    if (std::signal(SIGTERM, SIG_IGN) == SIG_ERR || sigaction(SIGALRM, &action, nullptr) != 0 ||
+        setitimer(ITIMER_REAL, &often, nullptr) != 0) {
+        throw std::runtime_error("no signals");
+    }
+}
+
+inline void FloodStandardOutput() {
+    const std::string block(500'000, 'x');
+    for (int i = 0; i < 1000; ++i) {
+        for (std::size_t done = 0; done < block.size();) {
+            const auto count = write(STDOUT_FILENO, block.data() + done, block.size() - done);
+            if (count <= 0) {
+                throw std::runtime_error("no standard output");
+            }
+            done += static_cast<std::size_t>(count);
+        }
+    }
+}
+
+/// More than one pipe holds.
+inline void FloodStandardError() {
+    const std::string noise(100'000, 'x');
+    static_cast<void>(!write(STDERR_FILENO, noise.data(), noise.size()));
+}
+
+inline void LeaveChild() {
+    if (fork() == 0) {
+        alarm(120);
+        Hang();
+    }
+}
+
+inline void ExhaustMemory() {
+    std::vector<std::unique_ptr<char[]>> blocks;
+    for (;;) {
+        blocks.emplace_back(new char[1'000'000]);
+    }
+}
+
+/// Nothing is left then, not even for an exception's text.
+inline void KeepMemory() {
+    void* (*volatile allocate)(std::size_t) = std::malloc;
+    for (std::size_t size = 64'000'000; size >= 16; size /= 2) {
+        while (allocate(size) != nullptr) {
+        }
+    }
+}
+
+/// Never destroyed: other threads may be here while one ends the process.
+inline const std::map<std::string, void (*)()>& All() {
+    static const auto& faults = *new std::map<std::string, void (*)()>{
+        {"segfault", WriteToNowhere},
+        {"abort", [] { std::abort(); }},
+        {"stack-overflow", [] { static_cast<void>(Recurse(nullptr)); }},
+        {"division-by-zero", DivideByZero},
+        {"thread-throws", [] { std::thread([] { throw std::runtime_error("thread"); }).join(); }},
+        {"killed", [] { std::raise(SIGKILL); }},
+        {"exit", [] { std::exit(0); }},
+        {"exit-at-once", [] { std::_Exit(0); }},
+        {"quick-exit", [] { std::quick_exit(0); }},
+        {"hang", [] { Hang(); }},
+        {"hang-blocked", [] { HangUnderBlockedSignals(); }},
+        {"hang-then-abort", [] { std::atexit([] { std::abort(); }), Hang(); }},
+        {"hang-then-hang", [] { std::atexit([] { Hang(); }), Hang(); }},
+        {"hang-in-destructor", [] { HangInDestructor(); }},
+        {"closes-stderr", [] { close(STDERR_FILENO); }},
+        {"comma-locale", [] { std::locale::global(std::locale("de_DE.UTF-8")); }},
+        {"leaves-directory", LeaveDirectory},
+        {"takes-signals", TakeSignals},
+        {"takes-signals-hangs", [] { TakeSignals(), Hang(); }},
+        {"floods-stdout", FloodStandardOutput},
+        {"floods", FloodStandardError},
+        {"leaves-child", LeaveChild},
+        {"exhausts-memory", ExhaustMemory},
+        {"keeps-memory", KeepMemory},
+        {"keeps-memory-hangs", [] { KeepMemory(), Hang(); }},
+    };
+    return faults;
+}
+
+/// False if there is no fault of that name.
+inline bool Make(const std::string& name) {
+    const auto fault = All().find(name);
+    if (fault == All().end()) {
+        return false;
+    }
+    fault->second();
+    return true;
+}
+
+}  // namespace Faults

@@ -1,0 +1,181 @@
+"""Modules and coders that harm the process that they are in: what a parent sees of each."""
+
+import json
+import os
+import re
+import signal
+import subprocess
+import time
+from concurrent.futures import ThreadPoolExecutor
+from dataclasses import dataclass
+from signal import SIGABRT, SIGFPE, SIGSEGV
+
+import pytest
+from conftest import SANITIZED, Installation
+from parent import Pass
+
+IMPL = "FFMPEG_IMPL"
+CLOSED = ("ERROR", "Assayer closed by WatchDog!")
+LOCALE = "de_DE.UTF-8"
+# What the last record is: the name of the culprit, the line of the watch-dog, or a pass that came to
+# its end; or whatever it is, the pass claims no success.
+NAME, TOLD, DONE, NO_CLAIM = "name", "told", "done", "no claim"
+FOUND = "the status of a finding"
+MEMORY = "--as=600000000"  # bytes; a clean pass takes half of it
+
+# Status, last record, seconds at most. Where these are 2, the time-out is 1 second.
+ZOO = {
+    "segfault": (-SIGSEGV, NAME, 10),
+    "segfault-in-constructor": (-SIGSEGV, NAME, 10),
+    "abort": (-SIGABRT, NAME, 10),
+    "stack-overflow": (-SIGSEGV, NAME, 10),
+    "division-by-zero": (-SIGFPE, NAME, 10),
+    "thread-throws": (-SIGABRT, NAME, 10),
+    "exit": (0, NAME, 10),
+    "exit-at-once": (0, NAME, 10),
+    "quick-exit": (0, NAME, 10),
+    "hang": (2, TOLD, 2),
+    "hang-in-constructor": (2, TOLD, 2),
+    "hang-blocked": (2, TOLD, 2),
+    "hang-then-abort": (2, TOLD, 2),
+    "hang-then-hang": (2, TOLD, 2),
+    "hang-in-destructor": (2, TOLD, 2),
+    "takes-signals-hangs": (2, TOLD, 2),
+    "keeps-memory-hangs": (2, NAME, 2),  # none is left for the line
+    "keeps-memory": ((5, -SIGABRT, -SIGSEGV), NO_CLAIM, 10),
+    "exhausts-memory": (FOUND, DONE, 10),
+    "closes-stderr": (0, NAME, 10),
+    "comma-locale": (0, DONE, 10),
+    "leaves-directory": (0, DONE, 10),
+    "takes-signals": (0, DONE, 10),
+    "floods-stdout": (0, DONE, 10),
+    "leaves-child": (0, DONE, 10),
+}
+PHASES = ("plugins", "codecs", "pool")
+
+
+def makes_sense(fault, phase):
+    if SANITIZED and ZOO[fault][0] != 0:
+        return False  # a sanitizer has its own way with signals, times and memory
+    if fault == "keeps-memory-hangs":
+        return phase != "pool"  # its neighbours end the process first
+    return phase == "plugins" or "constructor" not in fault
+
+
+CASES = [(fault, phase) for phase in PHASES for fault in ZOO if makes_sense(fault, phase)]
+
+
+@dataclass
+class Sight:
+    end: Pass
+    seconds: float
+    output: int  # bytes
+    left_children: bool
+
+
+def look(installation, arguments, fault, environment):
+    """Waits for the program, not for the end of what its children hold open too."""
+    with subprocess.Popen(["wc", "-c"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as sink:
+        started = time.monotonic()
+        with subprocess.Popen(
+            [*(["prlimit", MEMORY] if "memory" in fault else []), installation.directory / "Assayer", *arguments],
+            stdin=subprocess.DEVNULL,
+            stdout=sink.stdin,
+            stderr=subprocess.PIPE,
+            env={**os.environ, **environment},
+            start_new_session=True,
+        ) as process:
+            try:
+                process.wait(30)
+            finally:
+                seconds = time.monotonic() - started
+                left_children = kill_group(process.pid)
+            text = process.stderr.read().decode(errors="replace")
+        output = int(sink.communicate()[0])
+    return Sight(Pass(process.returncode, text), seconds, output, left_children)
+
+
+def kill_group(leader):
+    """True if anybody was left."""
+    try:
+        os.killpg(leader, signal.SIGKILL)
+        return True
+    except ProcessLookupError:
+        return False
+
+
+def codec_id(fault):
+    return f"CODEC_ID_DECODER_{fault.upper().replace('-', '_')}"
+
+
+def record_of(fault, phase):
+    if phase == "plugins":
+        return ("LOAD_PLUGIN_NAME", fault)
+    return ("TEST_CODEC", f"Decoder.{IMPL}.{codec_id(fault)}")
+
+
+def look_at(fault, phase, folder, codecs):
+    """One pass in which the fault stands between what is good."""
+    seconds = "1" if ZOO[fault][2] == 2 else "60"
+    environment = {"LOCPATH": str(folder), "LOCALAPPDATA": str(folder / f"{fault}-{phase}-logs")}
+    if phase != "plugins":
+        ids = f"CODEC_ID_GOOD_0,{codec_id(fault)},CODEC_ID_GOOD_1"
+        arguments = ["codecs", seconds, IMPL, ids, *("-" * 5), "1" if phase == "pool" else "-"]
+        return look(codecs, arguments, fault, environment)
+    directory = folder / fault
+    directory.mkdir()
+    installation = Installation(directory)
+    installation.add("good.1", fault, "good.2")
+    return look(installation, ["plugins", seconds], fault, environment)
+
+
+@pytest.fixture(scope="module")
+def folder(tmp_path_factory):
+    folder = tmp_path_factory.mktemp("zoo")
+    (folder / "codecs").mkdir()
+    return folder
+
+
+@pytest.fixture(scope="module")
+def sights(folder):
+    subprocess.run(["localedef", "-i", "de_DE", "-f", "UTF-8", folder / LOCALE], check=False)
+    codecs = Installation(folder / "codecs")
+    codecs.add_fixture("BadCodecs")
+    with ThreadPoolExecutor(3) as pool:  # they mostly wait
+        yield {case: pool.submit(look_at, *case, folder, codecs) for case in CASES}
+        pool.shutdown(cancel_futures=True)
+
+
+@pytest.mark.parametrize("fault, phase", CASES)
+def test_what_the_parent_sees(sights, folder, fault, phase):
+    if fault == "comma-locale" and not (folder / LOCALE).exists():
+        pytest.skip("localedef can't make a locale here: the sources of locales aren't installed")
+    sight = sights[fault, phase].result()
+    status, last, most = ZOO[fault]
+    found = 7 if phase == "plugins" else 8
+    expected = status if isinstance(status, tuple) else (found if status == FOUND else status,)
+    assert sight.end.status in expected, sight
+    assert (1 if most == 2 else 0) <= sight.seconds < most, sight
+    check_records(sight, fault, phase, last)
+    assert sight.left_children == (fault == "leaves-child"), sight
+    assert (sight.output >= 500_000_000) == (fault == "floods-stdout"), sight
+    if fault == "closes-stderr":  # What couldn't be told there stands in the files.
+        files = (folder / f"{fault}-{phase}-logs").rglob("Assayer.*.ERROR.*")
+        assert "[/STATISTICS]" in "".join(file.read_text() for file in files)
+
+
+def check_records(sight, fault, phase, last):
+    records, culprit = sight.end.records, record_of(fault, phase)
+    assert culprit in records, sight
+    if last == DONE:
+        tag, text = records[-1]
+        assert tag == "STATISTICS", sight
+        times = json.loads(text)["ASSAYER_WORK_TIME"].values()
+        assert all(re.fullmatch(r"\d+\.\d{6}", seconds) for seconds in times), sight
+        return
+    claims = sight.end.all("LOADED_PLUGINS") + sight.end.all("TESTED_CODECS") + sight.end.all("STATISTICS")
+    assert claims == [], sight
+    if last == TOLD:
+        assert records.pop() == CLOSED, sight
+    if last != NO_CLAIM:  # On the pool others may have begun since.
+        assert records[-1][0] == culprit[0] if phase == "pool" else records[-1] == culprit, sight
