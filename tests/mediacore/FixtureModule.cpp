@@ -71,15 +71,10 @@ TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& de
         case Throws:
             throw 7;
         case Parser:
-        case LateParser:
             description.parser = &parser;
             return true;
         default:
             description.codecs = &codecs;
             return true;
     }
-}
-
-TARNEX_MODULE_EXPORT void TarnexModuleShutdown() {
-    throw static_cast<int>(BEHAVIOUR);
 }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "core/media/Factories.h"
-#include "core/support/CoreInitExtension.h"
 
 namespace Tarnex::Proc {
 namespace {
@@ -39,26 +38,6 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
         EXPECT_THAT(failure, testing::HasSubstr(each.plugin));
         EXPECT_EQ(failure, LoadFailure(each.load, each.plugin)) << "at the second load";
     }
-}
-
-TEST(Modules, WhatAModuleThrowsPassesThrough) {
-    EXPECT_THROW(CodecFactoryImpl::TryToLoadModule("Throws"), int);
-    EXPECT_THROW(CodecFactoryImpl::TryToLoadModule("Throws"), int);
-}
-
-TEST(Modules, DeinitHandlersAreLastLoadedFirst) {
-    ParserFactoryImpl::TryToLoadModule("Parser");
-    ParserFactoryImpl::TryToLoadModule("LateParser");
-    ParserFactoryImpl::TryToLoadModule("Parser");
-    std::vector<std::string> names;
-    for (const auto& [name, handler] : Core::Utils::CoreInitExtension::GetDeinitHandlers()) {
-        names.push_back(name);
-        EXPECT_THROW(handler(), int);
-    }
-    ASSERT_GE(names.size(), 2U);
-    EXPECT_EQ(names[0], "LateParser");
-    EXPECT_EQ(std::count(names.begin(), names.end(), "Parser"), 1);
-    EXPECT_EQ(std::count(names.begin(), names.end(), "Refuses"), 0);
 }
 
 }  // namespace

@@ -108,16 +108,6 @@ TEST(FfmpegCodecs, TestsOfOneCodecRunSideBySide) {
     }
 }
 
-TEST(FfmpegCodecs, ReadsAgainAfterASeek) {
-    for (const char* id : {"CODEC_ID_H264", "CODEC_ID_FLAC"}) {
-        const auto decoder = Decode(Encode(id));
-        EXPECT_EQ(ReadFrame(decoder), "") << id;
-        EXPECT_EQ(ReadFrame(decoder), "") << id;
-        while (decoder->ReadNext()) {
-        }
-    }
-}
-
 /// Packets that aren't libav's, in a stream that isn't either.
 class ForeignPacket : public Proc::RefCounted<Proc::IPacket> {
 public:

@@ -4,10 +4,14 @@ import os
 import re
 import shutil
 import subprocess
+import sys
 import time
 from pathlib import Path
 
 import pytest
+
+# The parent of the documentation is the one that the tests use.
+sys.path.insert(0, str(Path(__file__).parents[2] / "doc"))
 
 APP = Path(os.environ["ASSAYER_APP"])
 FIXTURES = Path(os.environ["ASSAYER_FIXTURES"])

@@ -57,11 +57,6 @@ TEST(ListFile, TakesTheKeysOfItsFormAlone) {
     }
 }
 
-TEST(ListFile, RefusesWhatItCannotRead) {
-    EXPECT_THROW(LoadFromFile(testing::TempDir(), FormatType::Codecs), Exception);
-    EXPECT_THROW(LoadFromFile(testing::TempDir() + "missing", FormatType::Codecs), Exception);
-}
-
 TEST(BrokenCodecs, TakesTheTextOfItsLists) {
     const OptionLists lists = {{"Codecs.Decoder.X", {"A", "B"}}, {"Codecs.Encoder.X", {"A"}}};
     const BrokenCodecs broken(ModuleOptionsToString(lists, FormatType::Codecs));

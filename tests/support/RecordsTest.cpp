@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/support/BrokenPlugins.h"
-#include "core/support/CheckType.h"
 #include "core/support/CodecConfig.h"
-#include "core/support/EntryWrapper.h"
 #include "core/support/Exception.h"
 #include "core/support/StatisticInfo.h"
 
@@ -22,13 +20,6 @@ TEST(CodecConfig, RoundTripsItsIdAndRefusesOtherTexts) {
                            "decoder.X.C", "Decoder.A B.C", "Decoder.A:B.C", "Decoder.X.C,D"}) {
         EXPECT_THROW(CodecConfig{std::string(id)}, Exception) << id;
     }
-}
-
-TEST(CheckType, KnowsThreeTexts) {
-    EXPECT_EQ(CheckType("plugins"), CheckType::Plugins);
-    EXPECT_EQ(CheckType("codecs"), CheckType::Codecs);
-    EXPECT_EQ(CheckType("all"), CheckType::All);
-    EXPECT_THROW(CheckType("All"), Exception);
 }
 
 TEST(BrokenPlugins, SplitsAndTrims) {
@@ -51,16 +42,6 @@ TEST(StatisticInfo, IsOneLineOfJson) {
     EXPECT_EQ(std::string(info),
               "{\"a\":{},\"b\":{\"1\":\"\",\"2\":\"two\\nlines \\\"\xC3\xA4\\\" "
               "\xEF\xBF\xBD\",\"3\":\"\"}}");
-}
-
-TEST(EntryWrapper, HandsOverNarrowArguments) {
-    wchar_t argument[] = L"\u20AC\xDCFF";
-    wchar_t* argv[] = {argument, nullptr};
-    const auto run = [](int argc, char** narrow) {
-        EXPECT_STREQ(narrow[0], "\xE2\x82\xAC\xFF");
-        return narrow[argc] == nullptr ? 9 : 0;
-    };
-    EXPECT_EQ(EntryWrapperWchar(1, argv, run), 9);
 }
 
 }  // namespace

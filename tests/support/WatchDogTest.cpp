@@ -4,11 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <limits>
-
-#include "platform/ProcessEnd.h"
 
 namespace Tarnex::Core::Utils {
 namespace {
@@ -31,58 +27,25 @@ TEST(WatchDog, IsCancelledBeforeItsTimeAndOnlyThen) {
     }
 }
 
-using Action = void (*)();
-
-void Hang() {
-    for (;;) {
-        pause();
-    }
-}
-
-void End() {
-    Platform::EndProcess(WatchDog::EXIT_CODE);
-}
-
-// A handler that hangs stands for all that can stop exit.
-void EndThroughAHangingExit() {
-    std::atexit(Hang);
-    End();
-}
-
-void HangInExit() {
-    std::atexit(Hang);
-    std::exit(0);
-}
-
-void HangWithSignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, nullptr);
-    Hang();
-}
-
-void Watch(Action onExpiry, Action mainThread) {
-    WatchDog watchDog(1, onExpiry);
-    watchDog.Start();
-    mainThread();
-}
-
-TEST(WatchDogDeathTest, EndsTheProcessWhateverHangs) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    const std::pair<Action, Action> cases[] = {
-        {End, HangWithSignalsBlocked},
-        {End, HangInExit},
-        {Hang, Hang},
-        {EndThroughAHangingExit, Hang},
+void WatchWithAnActionThatHangs() {
+    const auto hang = [] {
+        for (;;) {
+            pause();
+        }
     };
-    for (const auto& [onExpiry, mainThread] : cases) {
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EXIT(Watch(onExpiry, mainThread), testing::ExitedWithCode(WatchDog::EXIT_CODE), "");
-        const auto taken = std::chrono::steady_clock::now() - start;
-        EXPECT_GE(taken, std::chrono::seconds(1));
-        // The promise is a second more; the rest is the start of the child.
-        EXPECT_LT(taken, std::chrono::milliseconds(2500));
-    }
+    WatchDog watchDog(1, hang);
+    watchDog.Start();
+    hang();
+}
+
+TEST(WatchDogDeathTest, EndsTheProcessThoughTheActionHangs) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EXIT(WatchWithAnActionThatHangs(), testing::ExitedWithCode(WatchDog::EXIT_CODE), "");
+    const auto taken = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(taken, std::chrono::seconds(1));
+    // The promise is a second more; the rest is the start of the child.
+    EXPECT_LT(taken, std::chrono::milliseconds(2500));
 }
 
 }  // namespace

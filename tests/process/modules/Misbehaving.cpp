@@ -64,6 +64,7 @@ bool Initialize(Description& description) {
         {"throws-tarnex", [] { throw Tarnex::Exception("tarnex reason"); }},
         {"throws-int", [] { throw 42; }},
         {"throws-odd-bytes", [] { throw std::runtime_error("odd \"\\\xff\n"); }},
+        {"throws-long", [] { throw std::runtime_error(std::string(20000, 'x')); }},
         {"tells-log-path", [] { std::printf("TarnexLogPath=%s\n", std::getenv("TarnexLogPath")); }},
     };
     const std::string behaviour = Behaviour();
