@@ -103,11 +103,14 @@ class Parent:
 
     @staticmethod
     def end_group(process):
+        """True if anybody was left."""
         try:
             os.killpg(process.pid, signal.SIGKILL)
+            return True
         except ProcessLookupError:
-            pass
-        process.wait()
+            return False
+        finally:
+            process.wait()
 
     def write_list(self, name, lines):
         (self.folder / name).write_text("".join(f"{key}: {value}\n" for key, value in lines))

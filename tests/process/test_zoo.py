@@ -3,7 +3,6 @@
 import json
 import os
 import re
-import signal
 import subprocess
 import time
 from concurrent.futures import ThreadPoolExecutor
@@ -12,7 +11,7 @@ from signal import SIGABRT, SIGFPE, SIGSEGV
 
 import pytest
 from conftest import SANITIZED, Installation
-from parent import Pass
+from parent import Parent, Pass
 
 IMPL = "FFMPEG_IMPL"
 CLOSED = ("ERROR", "Assayer closed by WatchDog!")
@@ -21,7 +20,7 @@ LOCALE = "de_DE.UTF-8"
 # its end; or whatever it is, the pass claims no success.
 NAME, TOLD, DONE, NO_CLAIM = "name", "told", "done", "no claim"
 FOUND = "the status of a finding"
-MEMORY = "--as=600000000"  # bytes; a clean pass takes half of it
+MEMORY = "--as=600000000"  # bytes; a clean pass takes less than a third
 
 # Status, last record, seconds at most. Where these are 2, the time-out is 1 second.
 ZOO = {
@@ -66,8 +65,7 @@ CASES = [(fault, phase) for phase in PHASES for fault in ZOO if makes_sense(faul
 
 
 @dataclass
-class Sight:
-    end: Pass
+class Sight(Pass):
     seconds: float
     output: int  # bytes
     left_children: bool
@@ -75,33 +73,19 @@ class Sight:
 
 def look(installation, arguments, fault, environment):
     """Waits for the program, not for the end of what its children hold open too."""
+    limited = ["prlimit", MEMORY] if "memory" in fault else []
     with subprocess.Popen(["wc", "-c"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as sink:
         started = time.monotonic()
-        with subprocess.Popen(
-            [*(["prlimit", MEMORY] if "memory" in fault else []), installation.directory / "Assayer", *arguments],
-            stdin=subprocess.DEVNULL,
-            stdout=sink.stdin,
-            stderr=subprocess.PIPE,
-            env={**os.environ, **environment},
-            start_new_session=True,
-        ) as process:
+        with subprocess.Popen([*limited, installation.directory / "Assayer", *arguments], stdin=subprocess.DEVNULL,
+                              stdout=sink.stdin, stderr=subprocess.PIPE, env={**os.environ, **environment},
+                              start_new_session=True) as process:  # fmt: skip
             try:
                 process.wait(30)
             finally:
                 seconds = time.monotonic() - started
-                left_children = kill_group(process.pid)
+                left_children = Parent.end_group(process)
             text = process.stderr.read().decode(errors="replace")
-        output = int(sink.communicate()[0])
-    return Sight(Pass(process.returncode, text), seconds, output, left_children)
-
-
-def kill_group(leader):
-    """True if anybody was left."""
-    try:
-        os.killpg(leader, signal.SIGKILL)
-        return True
-    except ProcessLookupError:
-        return False
+        return Sight(process.returncode, text, seconds, int(sink.communicate()[0]), left_children)
 
 
 def codec_id(fault):
@@ -154,7 +138,7 @@ def test_what_the_parent_sees(sights, folder, fault, phase):
     status, last, most = ZOO[fault]
     found = 7 if phase == "plugins" else 8
     expected = status if isinstance(status, tuple) else (found if status == FOUND else status,)
-    assert sight.end.status in expected, sight
+    assert sight.status in expected, sight
     assert (1 if most == 2 else 0) <= sight.seconds < most, sight
     check_records(sight, fault, phase, last)
     assert sight.left_children == (fault == "leaves-child"), sight
@@ -165,7 +149,7 @@ def test_what_the_parent_sees(sights, folder, fault, phase):
 
 
 def check_records(sight, fault, phase, last):
-    records, culprit = sight.end.records, record_of(fault, phase)
+    records, culprit = sight.records, record_of(fault, phase)
     assert culprit in records, sight
     if last == DONE:
         tag, text = records[-1]
@@ -173,7 +157,7 @@ def check_records(sight, fault, phase, last):
         times = json.loads(text)["ASSAYER_WORK_TIME"].values()
         assert all(re.fullmatch(r"\d+\.\d{6}", seconds) for seconds in times), sight
         return
-    claims = sight.end.all("LOADED_PLUGINS") + sight.end.all("TESTED_CODECS") + sight.end.all("STATISTICS")
+    claims = sight.all("LOADED_PLUGINS") + sight.all("TESTED_CODECS") + sight.all("STATISTICS")
     assert claims == [], sight
     if last == TOLD:
         assert records.pop() == CLOSED, sight
