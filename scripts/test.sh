@@ -7,4 +7,7 @@ preset="${1:-release}"
 "$here/build.sh" "$preset" -DASSAYER_TESTS=ON -DASSAYER_WERROR=ON
 export LSAN_OPTIONS="suppressions=$here/../tests/leaks.supp:print_suppressions=0"
 export TSAN_OPTIONS="suppressions=$here/../tests/races.supp:print_suppressions=0"
-ctest --test-dir "$here/../build/$preset" --output-on-failure
+# A folder of this run's own: another user, or another preset at the same time, has the same file names.
+folder="$(mktemp -d)"
+trap 'rm -rf "$folder"' EXIT
+TEST_TMPDIR="$folder" ctest --test-dir "$here/../build/$preset" --output-on-failure
