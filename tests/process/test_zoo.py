@@ -122,7 +122,7 @@ def folder(tmp_path_factory):
 
 @pytest.fixture(scope="module")
 def sights(folder):
-    subprocess.run(["localedef", "-i", "de_DE", "-f", "UTF-8", folder / LOCALE], check=False)
+    subprocess.run(["localedef", "-i", "de_DE", "-f", "UTF-8", folder / LOCALE], check=True)
     codecs = Installation(folder / "codecs")
     codecs.add_fixture("BadCodecs")
     with ThreadPoolExecutor(3) as pool:  # they mostly wait
@@ -132,8 +132,6 @@ def sights(folder):
 
 @pytest.mark.parametrize("fault, phase", CASES)
 def test_what_the_parent_sees(sights, folder, fault, phase):
-    if fault == "comma-locale" and not (folder / LOCALE).exists():
-        pytest.skip("localedef can't make a locale here: the sources of locales aren't installed")
     sight = sights[fault, phase].result()
     status, last, most = ZOO[fault]
     found = 7 if phase == "plugins" else 8
