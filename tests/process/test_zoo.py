@@ -54,7 +54,7 @@ PHASES = ("plugins", "codecs", "pool")
 
 
 def makes_sense(fault, phase):
-    if SANITIZED and ZOO[fault][0] != 0:
+    if SANITIZED and (ZOO[fault][0] != 0 or ("exit" in fault and phase == "pool")):
         return False  # a sanitizer has its own way with signals, times and memory
     if fault == "keeps-memory-hangs":
         return phase != "pool"  # its neighbours end the process first
