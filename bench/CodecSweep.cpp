@@ -109,12 +109,14 @@ void WriteMaterial(const std::filesystem::path& directory) {
     int width = picture->GetFrameInfo().width;
     for (const Proc::Plane& plane : picture->GetPlanes()) {
         for (int row = 0; row < plane.height; ++row) {
-            yuv.write(reinterpret_cast<const char*>(plane.data) + row * plane.stride, width);
+            yuv.write(reinterpret_cast<const char*>(plane.data) +
+                          static_cast<std::ptrdiff_t>(row) * plane.stride,
+                      width);
         }
         width = picture->GetFrameInfo().width / 2;
     }
     std::ofstream(directory / "silence.raw", std::ios::binary)
-        << std::string(Proc::IFactoryDataAudio::SAMPLES_PER_BLOCK * 4, '\0');
+        << std::string(std::size_t{4} * Proc::IFactoryDataAudio::SAMPLES_PER_BLOCK, '\0');
 }
 
 /// How many of the codecs the command encodes.

@@ -50,7 +50,7 @@ Pointer<Proc::ICodecFactory> GetCodecFactory() {
 ioPath FindSampleFile(const ioPath& directory, const std::string& codecId) {
     try {
         for (const auto& entry : directory.iterator()) {
-            const ioPath path(entry.path().string());
+            ioPath path(entry.path().string());
             if (!path.empty() && path.utf8string().find(codecId) != std::string::npos) {
                 return path;
             }
@@ -73,7 +73,7 @@ bool IsStreamOf(const ICodedStream& stream, const std::string& codecId) {
 Pointer<ICodedStream> OpenSampleStream(const CodecConfig& config, const ioPath& sample) {
     const auto reader = ClientAPI::OpenSource(sample);
     for (std::size_t index = 0; index < reader->GetStreamCount(); ++index) {
-        const Pointer<ICodedStream> stream = reader->GetStream(index);
+        Pointer<ICodedStream> stream = reader->GetStream(index);
         if (stream && IsStreamOf(*stream, config.GetCodecId())) {
             return stream;
         }

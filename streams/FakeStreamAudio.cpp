@@ -18,8 +18,7 @@ Proc::Pointer<Proc::IFrameAudio> FakeStreamAudio::GetNextFrame() {
     if (IsAtEnd()) {
         return {};
     }
-    const auto frame =
-        Proc::CreateFactoryDataAudioFF()->CreateFrame(formatCodec->GetSampleInfo(), 1);
+    auto frame = Proc::CreateFactoryDataAudioFF()->CreateFrame(formatCodec->GetSampleInfo(), 1);
     frame->PrepareFrame();
     frame->SetFrameTime(position);
     MoveOn(frame->GetFrameLength());

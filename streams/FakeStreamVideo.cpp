@@ -48,8 +48,8 @@ Proc::Pointer<Proc::IFrameVideo> FakeStreamVideo::GetNextFrame() {
     if (IsAtEnd()) {
         return {};
     }
-    const auto frame = Proc::CreateFactoryDataVideoFF()->CreateFrame(TEST_COLOR_SPACE, pixelFormat,
-                                                                     formatCodec->GetFrameInfo());
+    auto frame = Proc::CreateFactoryDataVideoFF()->CreateFrame(TEST_COLOR_SPACE, pixelFormat,
+                                                               formatCodec->GetFrameInfo());
     frame->SetFrameTime(position);
     frame->SetFrameLength(duration);
     MoveOn(duration);

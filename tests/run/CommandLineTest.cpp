@@ -32,7 +32,7 @@ Outcome Parse(Strings arguments) {
 }
 
 std::string WriteFile(const std::string& name, const std::string& content) {
-    const std::string path = testing::TempDir() + name;
+    std::string path = testing::TempDir() + name;
     std::ofstream(path, std::ios::binary) << content;
     return path;
 }

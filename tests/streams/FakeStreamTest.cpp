@@ -9,7 +9,6 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-using Proc::IFormatCodecVideo;
 using Proc::ImplNames;
 using Proc::Pointer;
 
