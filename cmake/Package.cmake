@@ -3,7 +3,7 @@ include(GNUInstallDirs)
 install(FILES doc/Assayer.1 doc/assayer-collect.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 # Laid out as in the sources, so that the links between the documents hold.
 install(FILES README.md ARCHITECTURE.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
-install(FILES doc/protocol.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
+install(FILES doc/protocol.md doc/parent.py DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
 
 foreach(command Assayer assayer-collect)
   set(link ${PROJECT_BINARY_DIR}/links/${command})
