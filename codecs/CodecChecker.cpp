@@ -362,7 +362,10 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
             const CodecConfig config(type, implementation, codecId);
             if (IsKnownBroken(config)) {
                 reportKnownBroken(config);
-            } else if (const CheckTask task{config, mutex, results}; useMultithreading) {
+                continue;
+            }
+            const CheckTask task{config, mutex, results};
+            if (useMultithreading) {
                 threadPool.AddTask(task);
             } else {
                 task();
