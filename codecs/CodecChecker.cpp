@@ -357,20 +357,25 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
         const std::lock_guard lock(mutex);  // Tests of this pass may be running already.
         results[config.GetImplementation()].push_back({config.GetCodecId(), message});
     };
-    for (const auto& [implementation, codecIds] : GetCodecsToCheck(type)) {
-        for (const std::string& codecId : codecIds) {
-            const CodecConfig config(type, implementation, codecId);
-            if (IsKnownBroken(config)) {
-                reportKnownBroken(config);
-                continue;
-            }
-            const CheckTask task{config, mutex, results};
-            if (useMultithreading) {
-                threadPool.AddTask(task);
-            } else {
-                task();
+    const auto check = [&](const CodecConfig& config) {
+        const CheckTask task{config, mutex, results};
+        if (IsKnownBroken(config)) {
+            reportKnownBroken(config);
+        } else if (useMultithreading) {
+            threadPool.AddTask(task);
+        } else {
+            task();
+        }
+    };
+    try {
+        for (const auto& [implementation, codecIds] : GetCodecsToCheck(type)) {
+            for (const std::string& codecId : codecIds) {
+                check(CodecConfig(type, implementation, codecId));
             }
         }
+    } catch (...) {
+        threadPool.Stop();  // No task may outlive what it refers to.
+        throw;
     }
     if (useMultithreading) {
         threadPool.Stop();

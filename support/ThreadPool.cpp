@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <boost/asio/post.hpp>
 #include <boost/asio/thread_pool.hpp>
+#include <exception>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -10,10 +12,39 @@ namespace Tarnex::Core {
 
 class ThreadPool::Impl {
 public:
-    explicit Impl(std::size_t count) : count(count), pool(std::in_place, count) {}
+    explicit Impl(std::size_t threadCount) : count(threadCount), threads(std::in_place, count) {}
+
+    void Add(std::function<void()> task) {
+        if (!threads) {
+            threads.emplace(count);
+        }
+        boost::asio::post(*threads, [this, task = std::move(task)] { Run(task); });
+    }
+
+    void Stop() {
+        if (threads) {
+            threads->join();
+            threads.reset();  // a joined pool runs nothing more
+        }
+        if (const std::exception_ptr thrown = std::exchange(failure, nullptr)) {
+            std::rethrow_exception(thrown);
+        }
+    }
+
+private:
+    void Run(const std::function<void()>& task) {
+        try {
+            task();
+        } catch (...) {
+            const std::lock_guard lock(mutex);
+            failure = failure ? failure : std::current_exception();
+        }
+    }
 
     const std::size_t count;
-    std::optional<boost::asio::thread_pool> pool;
+    std::mutex mutex;
+    std::exception_ptr failure;  // guarded by mutex while tasks run
+    std::optional<boost::asio::thread_pool> threads;
 };
 
 ThreadPool::ThreadPool(std::size_t threadCount)
@@ -23,13 +54,11 @@ ThreadPool::ThreadPool(std::size_t threadCount)
 ThreadPool::~ThreadPool() = default;
 
 void ThreadPool::AddTask(std::function<void()> task) {
-    boost::asio::post(*impl->pool, std::move(task));
+    impl->Add(std::move(task));
 }
 
 void ThreadPool::Stop() {
-    // A joined pool runs nothing more, so a new one takes its place.
-    impl->pool->join();
-    impl->pool.emplace(impl->count);
+    impl->Stop();
 }
 
 }  // namespace Tarnex::Core

@@ -7,7 +7,7 @@
 namespace Tarnex::Core {
 
 /// Runs tasks on a fixed number of threads, in the order in which they were given.
-/// `AddTask` and `Stop` belong to one thread, the owner's; tasks must not throw.
+/// `AddTask` and `Stop` belong to one thread, the owner's.
 class ThreadPool {
 public:
     /// A count of 0 (the platform can't tell) means one thread.
@@ -21,7 +21,8 @@ public:
 
     void AddTask(std::function<void()> task);
 
-    /// Returns when every task given so far has ended. The pool takes new tasks after it.
+    /// Returns when every task given so far has ended. The pool takes new tasks after it. Throws the
+    /// first of the exceptions that tasks have thrown since the last call, if there are any.
     void Stop();
 
 private:

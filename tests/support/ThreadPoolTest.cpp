@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <latch>
+#include <new>
 
 namespace Tarnex::Core {
 namespace {
@@ -32,6 +33,17 @@ TEST(ThreadPool, OneThreadKeepsTheOrder) {
     }
     pool.Stop();
     EXPECT_EQ(order, "abcdefgh");
+}
+
+TEST(ThreadPool, WhatATaskThrowsComesOutOfStopAndLosesNoTask) {
+    ThreadPool pool(2);
+    std::atomic<int> ended = 0;
+    pool.AddTask([] { throw std::bad_alloc(); });
+    pool.AddTask([&ended] { ++ended; });
+    EXPECT_THROW(pool.Stop(), std::bad_alloc);
+    pool.AddTask([&ended] { ++ended; });
+    EXPECT_NO_THROW(pool.Stop());
+    EXPECT_EQ(ended, 2);
 }
 
 }  // namespace
