@@ -15,11 +15,11 @@ sys.path.insert(0, str(Path(__file__).parents[2] / "doc"))
 
 APP = Path(os.environ["ASSAYER_APP"])
 FIXTURES = Path(os.environ["ASSAYER_FIXTURES"])
-SANITIZED = bool(os.environ.get("ASSAYER_SANITIZE"))
+SANITIZED = os.environ.get("ASSAYER_SANITIZE")
 VARIANTS = {"no-entry-point": "NoEntryPoint", "undefined-symbol": "UndefinedSymbol"}
 
 # A sanitizer turns a signal into a report and an exit code of its own.
-not_sanitized = pytest.mark.skipif(SANITIZED, reason="signals and times belong to plain builds")
+not_sanitized = pytest.mark.skipif(bool(SANITIZED), reason="signals and times belong to plain builds")
 
 
 class Result:
