@@ -1,10 +1,12 @@
 #include "core/media/CodecFactory.h"
 
 #include <algorithm>
+#include <boost/exception/diagnostic_information.hpp>
 #include <exception>
 #include <utility>
 
 #include "core/media/Presets.h"
+#include "core/support/Exception.h"
 #include "mediacore/StartedModules.h"
 
 namespace Tarnex::Proc {
@@ -17,6 +19,16 @@ using Module::ICodecModule;
 
 bool Holds(const Codecs& codecs, const std::string& codecId) {
     return std::find(codecs.begin(), codecs.end(), codecId) != codecs.end();
+}
+
+/// Whose list failed would be told by nothing else: the module was checked long before.
+Codecs Ask(ICodecModule& module, CoderType type) {
+    try {
+        return module.GetCodecs(type);
+    } catch (...) {
+        throw Exception("The module of " + module.GetImplementation() + " can't list its codecs: " +
+                        boost::current_exception_diagnostic_information());
+    }
 }
 
 /// Chooses the module; the module makes the coder.
@@ -86,7 +98,7 @@ private:
                        const std::string& implementation) const {
         for (ICodecModule* module : modules->codecs) {
             if (module->GetImplementation() == implementation &&
-                Holds(module->GetCodecs(type), codecId)) {
+                Holds(Ask(*module, type), codecId)) {
                 return module;
             }
         }
@@ -102,10 +114,10 @@ private:
         const std::string codecId = property.Get(Conf::IPreset::ITEM_CODEC_ID);
         std::exception_ptr reason;
         for (ICodecModule* module : modules->codecs) {
-            if (!Holds(module->GetCodecs(CoderType::Encoder), codecId)) {
-                continue;
-            }
             try {
+                if (!Holds(Ask(*module, CoderType::Encoder), codecId)) {
+                    continue;
+                }
                 if (auto encoder = (module->*create)(stream, property)) {
                     return encoder;
                 }
@@ -125,7 +137,7 @@ private:
             if (module->GetImplementation() != implementation) {
                 continue;
             }
-            for (std::string& codecId : module->GetCodecs(type)) {
+            for (std::string& codecId : Ask(*module, type)) {
                 if (!Holds(all, codecId)) {
                     all.push_back(std::move(codecId));
                 }

@@ -21,8 +21,8 @@ public:
 
     void AddTask(std::function<void()> task);
 
-    /// Returns when every task given so far has ended. The pool takes new tasks after it. Throws the
-    /// first of the exceptions that tasks have thrown since the last call, if there are any.
+    /// Returns when every task given so far has ended. The pool takes new tasks after it. Throws
+    /// the first of the exceptions that tasks have thrown since the last call, if there are any.
     void Stop();
 
 private:

@@ -1,5 +1,7 @@
 """The codec phase of the real program, on coders that misbehave on purpose."""
 
+import re
+
 import pytest
 
 TESTED = ("TESTED_CODECS", "true")
@@ -97,6 +99,13 @@ def test_what_is_no_codec_test_is_told(bad_codecs):
     bad = bad_codecs.file("bad", "Codecs.Encode.X: Y\n")
     result = check(bad_codecs, OK[0], rest=("-", "-", bad))
     assert result.code == 4 and bad in result.of("ERROR")[0], result
+
+
+def test_module_that_cannot_list_its_codecs_is_told(bad_codecs):
+    bad_codecs.add("throws-in-list")
+    result = bad_codecs.run("codecs", "60", f"{IMPL},NONE_IMPL", OK[0])
+    assert result.code == 4 and re.search("NONE_IMPL.*list reason", result.of("ERROR")[-1], re.DOTALL), result
+    assert check(bad_codecs, OK[0]).code == 0  # it isn't asked
 
 
 def test_disabled_modules_offer_nothing(bad_codecs):

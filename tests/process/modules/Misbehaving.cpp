@@ -40,7 +40,12 @@ class NoCodecs : public Tarnex::Module::ICodecModule {
     Tarnex::Proc::MediaKind GetMediaKind(const std::string&) override {
         return Tarnex::Proc::MediaKind::None;
     }
-    std::vector<std::string> GetCodecs(Tarnex::Core::CoderType) override { return {}; }
+    std::vector<std::string> GetCodecs(Tarnex::Core::CoderType) override {
+        if (Behaviour() == "throws-in-list") {
+            throw std::runtime_error("list reason");
+        }
+        return {};
+    }
     Tarnex::Proc::Pointer<Tarnex::Proc::IStreamVideo> CreateVideoDecoder(const Stream&) override {
         return {};
     }
