@@ -199,7 +199,7 @@ int main(int argc, char** argv) {
     core.GetComputingResourceManager()->computingResourcesFlag = true;
     core.Initialize({}, {}, nullptr, nullptr, true);
     core.WaitUntilInitialized();
-    Tarnex::Bench::Run(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 3,
+    Tarnex::Bench::Run(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 5,
                        argc > 2 ? argv[2] : std::filesystem::temp_directory_path());
     core.Uninitialize();
     return 0;

@@ -3,10 +3,11 @@
 Usage: plugin_phase.py APP_DIRECTORY BARE_LOOP [ROUNDS]
 
 Collects the machine's own modules into a copy of the installation directory and runs, in turns,
-Assayer over them, Assayer without them, Assayer refused, the bare loop over them and the bare loop without them. The
-figure is the quotient of the two differences of medians, once for wall time and once for processor
-time; it ends with status 1 if that of the wall time is above the limit. It may be below 1: libraries
-that Assayer itself has loaded aren't loaded again for its modules."""
+Assayer over them, Assayer without them, Assayer refused, the bare loop over them and the bare loop
+without them. What the modules take is the median of the rounds' differences with and without them;
+the figure is the quotient of the two, once for wall time and once for processor time. It ends with
+status 1 if that of the wall time is above the limit. It may be below 1: libraries that Assayer itself
+has loaded aren't loaded again for its modules."""
 
 import os
 import re
@@ -72,11 +73,15 @@ def main(app, bare_loop, rounds):
             for name, command in commands.items():
                 times[name].append(measure(command, environment))
     ratios = []
+
+    def added(name, column):
+        return statistics.median(full[column] - empty[column]
+                                 for full, empty in zip(times[name], times[f"{name}, no modules"]))
+
     for column, kind in enumerate(("wall", "processor")):
         medians = {name: statistics.median(sample[column] for sample in samples)
                    for name, samples in times.items()}
-        check = medians["Assayer"] - medians["Assayer, no modules"]
-        bare = medians["bare loop"] - medians["bare loop, no modules"]
+        check, bare = added("Assayer", column), added("bare loop", column)
         ratios.append(check / bare)
         print(f"{kind} seconds, medians: " +
               ", ".join(f"{name} {value:.4f}" for name, value in medians.items()))
@@ -86,4 +91,4 @@ def main(app, bare_loop, rounds):
 
 if __name__ == "__main__":
     sys.exit(main(Path(sys.argv[1]), Path(sys.argv[2]).resolve(),
-                  int(sys.argv[3]) if len(sys.argv) > 3 else 21))
+                  int(sys.argv[3]) if len(sys.argv) > 3 else 41))

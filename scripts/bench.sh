@@ -11,11 +11,11 @@ folder="$(mktemp -d)"
 trap 'rm -rf "$folder"' EXIT
 
 echo "== machine"
-echo "$(nproc) cores, $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1)"
+echo "$(nproc) cores of $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1)"
 echo "== tagged line"
 LOCALAPPDATA="$folder" "$bench/tagged_line" 2>/dev/null
 env -u LOCALAPPDATA "$bench/tagged_line" 2>/dev/null
 echo "== plugin phase"
 python3 "$here/../bench/plugin_phase.py" "$here/../build/release/app" "$bench/bare_loop"
 echo "== codecs"
-"$bench/sweep/codec_sweep" "${1:-3}" "$folder"
+"$bench/sweep/codec_sweep" "${1:-5}" "$folder"
