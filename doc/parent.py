@@ -12,7 +12,7 @@ TAGS = ("STATISTICS", "CODECS", "ERROR", "WARNING", "TEST_CODEC", "TESTED_CODECS
         "LOAD_PLUGIN_NAME", "LOADED_PLUGINS")
 OPENING = re.compile(r"\] \[(%s)\]" % "|".join(TAGS))
 GRACE_SECONDS = 10
-MAX_PASSES = 100
+MAX_PASSES = 1000
 
 
 class GaveUp(Exception):
