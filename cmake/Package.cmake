@@ -23,10 +23,11 @@ set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Loads plugin modules and tests codecs in a process of its own, names each before it is touched, and
 tells its parent by records and exit code which can be trusted.")
-# What no link shows: the graphics drivers, and the elements of the optional media framework.
-set(ASSAYER_RECOMMENDS libgl1-mesa-dri gstreamer1.0-plugins-base gstreamer1.0-plugins-good
-  gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly)
-list(JOIN ASSAYER_RECOMMENDS ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS)
+# What no link shows, the graphics drivers and the elements of the optional media framework: the same
+# packages that running it from the sources takes.
+file(STRINGS scripts/packages.list recommends REGEX "^run ")
+list(TRANSFORM recommends REPLACE "^run " "")
+list(JOIN recommends ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS)
 get_property(files GLOBAL PROPERTY ASSAYER_APP_FILES)
 file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/app-files.txt CONTENT "$<JOIN:${files},\n>\n")
 set(CPACK_ASSAYER_APP_FILES ${PROJECT_BINARY_DIR}/app-files.txt)
