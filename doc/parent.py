@@ -51,7 +51,7 @@ class Pass:
 
     @property
     def failed_itself(self):
-        """The end was an error that isn't a module's: another pass would give the same."""
+        """The end was an error of the whole pass: another one would give the same."""
         if self.status == 3:
             return not self.all("LOAD_PLUGIN_NAME") and not self.all("TEST_CODEC")
         return self.status in (4, 5, 6) and self.records[-1:] and self.records[-1][0] == "ERROR"
