@@ -7,7 +7,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
-ROW = re.compile(r"^\| `([\w/]+)/` \|.*\| ([^|]*) \|$", re.M)
+ROW = re.compile(r"^\| `([\w/]+)/` \|.*\|([^|]*)\|$", re.M)
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 
 
