@@ -11,7 +11,7 @@ from signal import SIGABRT, SIGFPE, SIGSEGV
 
 import pytest
 from conftest import SANITIZED, Installation
-from parent import Parent, Pass
+from parent import Parent, Run
 
 IMPL = "FFMPEG_IMPL"
 CLOSED = ("ERROR", "Assayer closed by WatchDog!")
@@ -71,7 +71,7 @@ PLAIN_ENDS = "handle_segv=0:handle_sigfpe=0:handle_abort=0:detect_leaks=0"
 
 
 @dataclass
-class Sight(Pass):
+class Sight(Run):
     seconds: float
     output: int  # bytes
     left_children: bool
