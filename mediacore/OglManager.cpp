@@ -1,10 +1,9 @@
 #include "core/media/OglManager.h"
 
-#include <string>
 #include <utility>
 
-#include "core/media/Factories.h"
 #include "mediacore/ModuleRegistry.h"
+#include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Ogl {
 namespace {
@@ -16,9 +15,9 @@ public:
     void Initialize() override {
         Module::IOglModule* const ogl = Core::LoadModule(MODULE).ogl;
         if (ogl == nullptr) {
-            throw Proc::CodecFactoryErrorException(std::string("Plugin ") + MODULE +
-                                                   " offers no OpenGL");
+            Core::SharedLibrary::FindFile(MODULE).Refuse("offers no OpenGL");
         }
+        Deinitialize();
         ogl->Start();
         started = ogl;
     }
