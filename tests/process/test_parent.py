@@ -12,7 +12,7 @@ REPORTED = ["throws-int.1", "refuses.1", "undefined-symbol"]
 ENDING = ["segfault.1", "abort-in-constructor.1", "stack-overflow.1", "exit.1", "closes-stderr.1", "hang.1",
           "hang-in-constructor.1"]  # fmt: skip
 GOOD_CODECS = [f"CODEC_ID_GOOD_{i}" for i in range(200)]
-REPORTED_CODECS = ["DECODER_THROWS_INT", "DECODER_GIVES_NOTHING", "ENCODER_READ_THROWS"]
+REPORTED_CODECS = ["DECODER_THROWS_INT", "DECODER_GIVES_NOTHING", "ENCODER_THROWS"]
 ENDING_CODECS = ["DECODER_SEGFAULT", "DECODER_ABORT", "DECODER_EXIT", "DECODER_CLOSES_STDERR", "DECODER_HANG",
                  "ENCODER_STACK_OVERFLOW", "ENCODER_EXIT_AT_ONCE"]  # fmt: skip
 
