@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <gst/gst.h>
 #include <gtest/gtest.h>
 
@@ -8,6 +9,20 @@
 #include "core/support/Exception.h"
 #include "modules/common/CoderStream.h"
 #include "tests/modules/Coders.h"
+
+namespace {
+bool isFrameworkBroken = false;
+}
+
+/// Stands before the framework's own function, which it calls unless the start is to fail.
+extern "C" TARNEX_API gboolean gst_init_check(int* argc, char*** argv, GError** error) {
+    if (isFrameworkBroken) {
+        g_set_error_literal(error, GST_LIBRARY_ERROR, GST_LIBRARY_ERROR_INIT, "no such luck");
+        return FALSE;
+    }
+    return reinterpret_cast<decltype(gst_init_check)*>(dlsym(RTLD_NEXT, "gst_init_check"))(
+        argc, argv, error);
+}
 
 namespace Tarnex::Tests {
 
@@ -68,14 +83,20 @@ private:
     int packets = 3;
 };
 
-/// The failure text of a decoder that reads garbage, empty if it takes it.
-std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
+/// The text with which it fails, empty if it doesn't.
+template <class Action>
+std::string FailureOf(Action action) {
     try {
-        Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext();
+        action();
         return {};
     } catch (const Exception& exception) {
         return exception.what();
     }
+}
+
+/// The failure text of a decoder that reads garbage, empty if it takes it.
+std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
+    return FailureOf([&] { Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext(); });
 }
 
 [[noreturn]] void UseFrameworkForTheFirstTime() {
@@ -98,6 +119,27 @@ TEST(FrameworkDeathTest, StartsWhenItIsAskedAndKeepsQuiet) {
     ASSERT_NE(std::getenv("GST_REGISTRY"), nullptr) << "the user's own would be removed";
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // in a process where nothing has started
     EXPECT_EXIT(UseFrameworkForTheFirstTime(), testing::ExitedWithCode(0), testing::Eq(""));
+}
+
+[[noreturn]] void UseBrokenFramework() {
+    isFrameworkBroken = true;
+    const std::string reason = "The system's media framework doesn't start: no such luck";
+    const auto factory = Factory();
+    const auto decoders = factory->GetDecoderCodecs(IMPLEMENTATION);
+    const auto encoders = factory->GetEncoderCodecs(IMPLEMENTATION);
+    bool failAll = decoders.size() > encoders.size() && !encoders.empty();
+    for (const std::string& id : decoders) {
+        failAll = failAll && DecodeGarbage(id, {}) == reason;
+    }
+    for (const std::string& id : encoders) {
+        failAll = failAll && FailureOf([&] { Encode(id, IMPLEMENTATION); }) == reason;
+    }
+    std::_Exit(failAll ? 0 : 1);
+}
+
+TEST(FrameworkDeathTest, ItsCodersFailOneByOneWhereItDoesNotStart) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(UseBrokenFramework(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Framework, GarbageIsAFailureThatNamesTheCodec) {
