@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "core/support/Exception.h"
+
 namespace Tarnex::Libav {
 
 FrameDecoder::FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
@@ -30,12 +32,15 @@ Handle<AVFrame> FrameDecoder::Next() {
     const LogScope scope(log);
     Handle<AVFrame> frame = Own(av_frame_alloc());
     int result = 0;
-    while ((result = avcodec_receive_frame(coder.get(), frame.get())) == AVERROR(EAGAIN)) {
-        Feed();
-    }
+    do {
+        result = avcodec_receive_frame(coder.get(), frame.get());
+        if (result == AVERROR(EAGAIN)) {
+            Feed();
+        }
+    } while (result == AVERROR(EAGAIN) || IsBadPacket(result));
     if (result == AVERROR_EOF) {
         if (!gaveOutput) {
-            log.Fail("gave no output");
+            FailWithoutOutput();
         }
         return {};
     }
@@ -63,11 +68,32 @@ void FrameDecoder::Feed() {
     if (packet->size == 0) {
         return;  // such as the last one of FLAC, which corrects the extradata
     }
-    log.Check(avcodec_send_packet(coder.get(), packet.get()), "decoding");
+    const int result = avcodec_send_packet(coder.get(), packet.get());
+    if (!IsBadPacket(result)) {
+        log.Check(result, "decoding");
+    }
+}
+
+bool FrameDecoder::IsBadPacket(int result) {
+    if (result != AVERROR_INVALIDDATA) {
+        return false;
+    }
+    if (firstBadPacket.empty()) {
+        firstBadPacket = log.Explain("decoding", result);
+    }
+    return true;
+}
+
+void FrameDecoder::FailWithoutOutput() const {
+    if (!firstBadPacket.empty()) {
+        throw Exception(firstBadPacket);
+    }
+    log.Fail("gave no output");
 }
 
 void FrameDecoder::Restart() {
     avcodec_flush_buffers(coder.get());
+    firstBadPacket.clear();
 }
 
 }  // namespace Tarnex::Libav

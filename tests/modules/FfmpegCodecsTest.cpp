@@ -121,10 +121,13 @@ private:
     std::vector<std::uint8_t> data;
 };
 
+/// Damages the packet of that number in its stream.
+using Damage = void (*)(int number, std::vector<std::uint8_t>& packet);
+
 class ForeignStream : public Modules::CoderStream<Proc::ICodedStream> {
 public:
-    ForeignStream(Pointer<Proc::ICodedStream> source, bool isGarbled)
-        : CoderStream(source, "foreign"), source(std::move(source)), isGarbled(isGarbled) {}
+    explicit ForeignStream(Pointer<Proc::ICodedStream> source, Damage damage = nullptr)
+        : CoderStream(source, "foreign"), source(std::move(source)), damage(damage) {}
     Proc::MediaKind GetMediaKind() const override { return source->GetMediaKind(); }
     Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return source->GetCodecFormat(); }
 
@@ -135,8 +138,8 @@ protected:
             return {};
         }
         std::vector<std::uint8_t> data(packet->GetData(), packet->GetData() + packet->GetSize());
-        if (isGarbled) {
-            std::fill(data.begin(), data.end(), std::uint8_t{0xA5});
+        if (damage != nullptr) {
+            damage(number++, data);
         }
         return new ForeignPacket(std::move(data));
     }
@@ -144,19 +147,32 @@ protected:
 
 private:
     Pointer<Proc::ICodedStream> source;
-    bool isGarbled;
+    Damage damage;
+    int number = 0;
 };
 
 TEST(FfmpegCodecs, DecodesStreamsThatAreNotLibavs) {
     for (const char* id : {"CODEC_ID_H264", "CODEC_ID_VP9", "CODEC_ID_AAC", "CODEC_ID_VORBIS"}) {
-        EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode(id), false))), "") << id;
+        EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode(id)))), "") << id;
     }
 }
 
 TEST(FfmpegCodecs, FailureSaysWhatLibavLogged) {
-    EXPECT_THAT(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), true))),
+    const Damage garble = [](int, std::vector<std::uint8_t>& packet) {
+        std::fill(packet.begin(), packet.end(), std::uint8_t{0xA5});
+    };
+    EXPECT_THAT(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), garble))),
                 testing::StartsWith("Decoder png: decoding: Invalid data found when processing "
                                     "input; libav logged: Invalid PNG signature"));
+}
+
+TEST(FfmpegCodecs, DecodesOnOverACutFrame) {
+    const Damage cutFirst = [](int number, std::vector<std::uint8_t>& packet) {
+        if (number == 0) {
+            packet.erase(packet.begin(), packet.begin() + packet.size() / 2);
+        }
+    };
+    EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_AC3"), cutFirst))), "");
 }
 
 TEST(FfmpegCodecs, NoOutputIsAFailure) {
