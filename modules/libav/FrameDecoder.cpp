@@ -5,6 +5,22 @@
 #include "core/support/Exception.h"
 
 namespace Tarnex::Libav {
+namespace {
+
+/// Not all decoders look at it themselves.
+void RequireDecodable(const AVCodecParameters& stream, const CoderLog& log) {
+    if (stream.codec_type == AVMEDIA_TYPE_VIDEO) {
+        if (stream.width <= 0 || stream.height <= 0) {
+            log.Fail("can't decode pictures of " + std::to_string(stream.width) + " by " +
+                     std::to_string(stream.height) + " pixels");
+        }
+    } else if (stream.sample_rate <= 0 || stream.ch_layout.nb_channels <= 0) {
+        log.Fail("can't decode " + std::to_string(stream.ch_layout.nb_channels) + " channels at " +
+                 std::to_string(stream.sample_rate) + " Hz");
+    }
+}
+
+}  // namespace
 
 FrameDecoder::FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
                            bool isSingleThreaded)
@@ -13,6 +29,7 @@ FrameDecoder::FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStrea
       isSingleThreaded(isSingleThreaded),
       log(std::string("Decoder ") + codec.name),
       parameters(GetParameters(*this->input)) {
+    RequireDecodable(*parameters, log);
     Open();
 }
 
@@ -94,6 +111,7 @@ void FrameDecoder::FailWithoutOutput() const {
 void FrameDecoder::Restart() {
     avcodec_flush_buffers(coder.get());
     firstBadPacket.clear();
+    gaveOutput = false;
 }
 
 }  // namespace Tarnex::Libav
