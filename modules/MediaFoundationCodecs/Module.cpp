@@ -1,7 +1,6 @@
 #include "core/module/Module.h"
 
 #include "core/media/CodecFactory.h"
-#include "core/media/CoreManager.h"
 #include "core/media/Presets.h"
 #include "core/support/Exception.h"
 #include "modules/MediaFoundationCodecs/Decoder.h"
@@ -13,6 +12,9 @@ namespace Tarnex::MediaFoundation {
 namespace {
 
 using Core::CoderType;
+using Modules::IsSingleThreaded;
+using Modules::ReadEncoderOptions;
+using Modules::RequireStream;
 using Proc::MediaKind;
 
 /// Where the framework doesn't start, its whole table is offered: each codec's test then fails with
@@ -40,22 +42,12 @@ const Codec& Offered(const std::string& codecId, MediaKind kind, CoderType type)
     return *codec;
 }
 
-bool IsSingleThreaded() {
-    const auto resources = Core::CoreManager::Instance().GetComputingResourceManager();
-    return resources->computingResourcesFlag;
-}
-
 const Codec& OfferedDecoder(const Proc::ICodedStream& input, MediaKind kind) {
     return Offered(input.GetCodecFormat()->GetCodecID(), kind, CoderType::Decoder);
 }
 
 const Codec& OfferedEncoder(const Proc::Property& property, MediaKind kind) {
     return Offered(property.Get(Conf::IPreset::ITEM_CODEC_ID), kind, CoderType::Encoder);
-}
-
-EncoderOptions OptionsOf(const Proc::Property& property) {
-    return {.isFastest = property.Get(Conf::IPreset::ITEM_SPEED) == Conf::IPreset::SPEED_FASTEST,
-            .isSingleThreaded = IsSingleThreaded()};
 }
 
 class Codecs : public Module::ICodecModule {
@@ -87,13 +79,13 @@ public:
     }
     Proc::Pointer<Proc::ICodedStream> CreateVideoEncoder(
         const Proc::Pointer<Proc::IStreamVideo>& stream, const Proc::Property& property) override {
-        return NewVideoEncoder(OfferedEncoder(property, MediaKind::Video), stream,
-                               OptionsOf(property));
+        return NewVideoEncoder(OfferedEncoder(property, MediaKind::Video), RequireStream(stream),
+                               ReadEncoderOptions(property));
     }
     Proc::Pointer<Proc::ICodedStream> CreateAudioEncoder(
         const Proc::Pointer<Proc::IStreamAudio>& stream, const Proc::Property& property) override {
-        return NewAudioEncoder(OfferedEncoder(property, MediaKind::Audio), stream,
-                               OptionsOf(property));
+        return NewAudioEncoder(OfferedEncoder(property, MediaKind::Audio), RequireStream(stream),
+                               ReadEncoderOptions(property));
     }
 };
 

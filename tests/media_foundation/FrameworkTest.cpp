@@ -68,6 +68,16 @@ public:
     }
     Proc::Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return format; }
 
+    void ForgetForm() {
+        const std::string codecId = format->GetCodecID();
+        if (Proc::IsVideoCodec(codecId)) {
+            format = Proc::IFormatCodecVideo::Create();
+        } else {
+            format = Proc::IFormatCodecAudio::Create();
+        }
+        format->SetCodecID(codecId);
+    }
+
 protected:
     Proc::Pointer<Proc::IData> MakeNext() override {
         if (packets == 0) {
@@ -154,6 +164,39 @@ TEST(Framework, FailuresSayWhatTheElementSays) {
               "The decoder of CODEC_ID_DVVIDEO: dvdec: Could not decode stream. "
               "(Input buffer too small)");
     EXPECT_EQ(DecodeGarbage("CODEC_ID_VP8", {}), "The decoder of CODEC_ID_VP8 gave no output");
+}
+
+TEST(Framework, AbsurdStreamsAreRefused) {
+    using Core::Utils::FakeStreamAudio;
+    using Core::Utils::FakeStreamVideo;
+    const Proc::Pointer<FakeStreamVideo> pictures(
+        new FakeStreamVideo(IMPLEMENTATION, "CODEC_ID_VP8"));
+    pictures->GetFormatCodec()->SetFrameRate(0, 1);
+    const Proc::Pointer<FakeStreamAudio> sound(new FakeStreamAudio());
+    sound->GetFormatCodec()->SetSampleInfo(
+        {Proc::SampleFormats::S16, 44100, Proc::ChannelLayout{}});
+    const struct {
+        const char* id;
+        Proc::Pointer<Proc::IStream> stream;
+        const char* text;
+    } rows[] = {
+        {"CODEC_ID_VP8", pictures,
+         "The encoder of CODEC_ID_VP8: can't encode 1920 by 1080 pixels of 1:1 at 0/1 frames a "
+         "second"},
+        {"CODEC_ID_OPUS", sound,
+         "The encoder of CODEC_ID_OPUS: can't encode 0 channels at 44100 Hz"},
+        {"CODEC_ID_OPUS", nullptr, "There is no stream to encode"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(FailureOf([&] { Encode(row.id, row.stream, IMPLEMENTATION); }), row.text);
+    }
+    const char* const undecodable = " was given a stream without size, rate or channels";
+    for (const std::string id : {"CODEC_ID_VP8", "CODEC_ID_OPUS"}) {
+        const Proc::Pointer<Garbage> input(new Garbage(id, {}));
+        input->ForgetForm();
+        EXPECT_EQ(FailureOf([&] { Decode(input, IMPLEMENTATION); }),
+                  "The decoder of " + id + undecodable);
+    }
 }
 
 TEST(Framework, MalformedExtraDataIsAFailure) {
