@@ -3,9 +3,10 @@
 Usage: plugin_phase.py APP_DIRECTORY BARE_LOOP [ROUNDS]
 
 Collects the machine's own modules into a copy of the installation directory and measures processes
-that load them, in turns with processes that load none of them: Assayer, the bare loop, and the bare
-loop with Assayer's libraries loaded before. The last is the baseline: for each symbol of each module
-the dynamic linker searches all libraries of the process, whoever asks it to load the module.
+that load them, in turns with processes that load the program's own modules alone: Assayer, the bare
+loop, and the bare loop with Assayer's libraries loaded before. The last is the baseline: for each
+symbol of a module the dynamic linker searches all libraries of the process, and for each library that
+a module needs the list of all that are loaded, whoever asks it to load the module.
 
 The modules' cost is the median over the rounds of the difference with and without modules. The
 status is 1 if Assayer's wall time is above the limit, as a multiple of the baseline's. A quotient may
@@ -22,14 +23,17 @@ import time
 from pathlib import Path
 
 LIMIT = 1.1
-FACTORIES = ("EffectFactory", "FilterFactory", "AnalyzerFactory")
+FACTORIES = ("EffectFactory", "FilterFactory", "CodecFactory", "MuxerFactory", "ParserFactory",
+             "AnalyzerFactory")
 
 
 def read_modules(directory):
-    """Factory and real file of each collected module, in the order of the check."""
+    """Factory and real file of each plugin, in the order of the check."""
     lists = dict(re.findall(r"^(\w+):(.*)$", (directory / "plugins.list").read_text(), re.M))
+    names = [("OglManager", "OglManager")] + [
+        (factory, name) for factory in FACTORIES for name in lists[factory].split(",")]
     return [(factory, str((directory / f"{name.strip()}.so").resolve()))
-            for factory in FACTORIES for name in lists[factory].split(",") if name.strip()]
+            for factory, name in names if name.strip()]
 
 
 def measure(command, environment):
@@ -62,30 +66,30 @@ def make_commands(app, folder, bare_loop):
     for copy, folders in ((full, []), (empty, [nothing])):
         shutil.copytree(app, copy, symlinks=True)
         subprocess.run([copy / "assayer-collect", *folders], check=True, stdout=subprocess.DEVNULL)
-    modules = read_modules(full)
-    words = [word for module in modules for word in module]
+    modules, own = read_modules(full), read_modules(empty)
+    loops = [[bare_loop, *(word for module in some for word in module)] for some in (modules, own)]
     loaded = {"LD_PRELOAD": ":".join(find_libraries(app / "Assayer"))}
-    return len(modules), {
+    return len(modules) - len(own), {
         "Assayer": ([full / "Assayer", "plugins", "60"], [empty / "Assayer", "plugins", "60"], {}),
-        "baseline": ([bare_loop, *words], [bare_loop], loaded),
-        "bare loop": ([bare_loop, *words], [bare_loop], {})}
+        "baseline": (*loops, loaded),
+        "bare loop": (*loops, {})}
 
 
 def require_same_work(commands, environment, count):
-    """Ends the benchmark unless each command went through all modules; says what they found."""
+    """Ends the benchmark unless each command went through all modules; says how many load."""
     full, empty, _ = commands["Assayer"]
     loads, failures = count_loads(full, environment)
-    own, own_failures = count_loads(empty, environment)
-    found = {"Assayer": loads - own - (failures - own_failures)}
+    own, _ = count_loads(empty, environment)
     if loads - own != count:
         sys.exit(f"Assayer tried {loads - own} of {count} modules")
+    found = {"Assayer": loads - failures}
     for name in ("baseline", "bare loop"):
         command, _, variables = commands[name]
         found[name] = int(subprocess.run(command, capture_output=True, text=True, check=True,
                                          env={**environment, **variables}).stdout.split()[-1])
     if len(set(found.values())) > 1:
-        sys.exit(f"The modules that loaded differ: {found}")
-    print(f"{count} modules, {found['Assayer']} of them load")
+        sys.exit(f"How many modules loaded differs: {found}")
+    print(f"{count} modules and {own} of the program's own, {found['Assayer']} of them load")
 
 
 def main(app, bare_loop, rounds):
