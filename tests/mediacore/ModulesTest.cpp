@@ -13,7 +13,7 @@ std::string LoadFailure(void (*load)(const std::string&), const std::string& plu
     } catch (const std::exception& failure) {
         return failure.what();
     }
-    return "no failure";
+    return plugin + ": no failure";
 }
 
 TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
@@ -32,6 +32,11 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
         {EffectFactory::TryToLoadModule, "NegativeEffect", "refused to initialise (-1)"},
         {EffectFactory::TryToLoadModule, "First", "no entry point f0r_init"},
         {FilterFactory::TryToLoadModule, "First", "no entry point ladspa_descriptor"},
+        {FilterFactory::TryToLoadModule, "BothInterfaces", "no failure"},
+        {FilterFactory::TryToLoadModule, "EmptyLadspa", "describes no LADSPA filter"},
+        {FilterFactory::TryToLoadModule, "EmptyLv2", "describes no LV2 filter"},
+        {FilterFactory::TryToLoadModule, "SecondWithoutRun", "filter 1 has no run"},
+        {FilterFactory::TryToLoadModule, "FilterLibrary", "no failure"},
         {AnalyzerFactory::TryToLoadModule, "First", "no entry point vampGetPluginDescriptor"},
     };
     for (const Case& each : cases) {
