@@ -7,6 +7,7 @@
 
 #include "core/media/Factories.h"
 #include "core/media/PluginFactories.h"
+#include "mediacore/LoadOnce.h"
 #include "mediacore/PluginList.h"
 #include "mediacore/SharedLibrary.h"
 
@@ -98,6 +99,15 @@ bool CheckLv2(const SharedLibrary& library, const std::string& file) {
     return true;
 }
 
+void Load(const Core::ModuleFile& file) {
+    const SharedLibrary library(file);
+    const bool isLadspa = CheckLadspa(library);
+    const bool isLv2 = CheckLv2(library, file.path);
+    if (!isLadspa && !isLv2) {
+        library.Refuse("no entry point ladspa_descriptor, lv2_descriptor or lv2_lib_descriptor");
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> FilterFactory::GetPluginList() {
@@ -105,13 +115,9 @@ std::vector<std::string> FilterFactory::GetPluginList() {
 }
 
 void FilterFactory::TryToLoadModule(const std::string& plugin) {
-    const std::string file = SharedLibrary::FindFile(plugin);
-    const SharedLibrary library(file);
-    const bool isLadspa = CheckLadspa(library);
-    const bool isLv2 = CheckLv2(library, file);
-    if (!isLadspa && !isLv2) {
-        library.Refuse("no entry point ladspa_descriptor, lv2_descriptor or lv2_lib_descriptor");
-    }
+    static auto& once = *new Core::LoadOnce();
+    const Core::ModuleFile file = SharedLibrary::FindFile(plugin);
+    once(file, [&] { Load(file); });
 }
 
 }  // namespace Tarnex::Proc
