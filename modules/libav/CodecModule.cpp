@@ -26,7 +26,8 @@ const Pointer<Stream>& RequireStream(const Pointer<Stream>& stream) {
 
 EncoderOptions ReadOptions(const Proc::Property& property) {
     return {.isFastest = property.Get(Conf::IPreset::ITEM_SPEED) == Conf::IPreset::SPEED_FASTEST,
-            .isSingleThreaded = IsSingleThreaded()};
+            .isSingleThreaded = IsSingleThreaded(),
+            .own = property.Get(Conf::IPreset::ITEM_OPTIONS)};
 }
 
 }  // namespace

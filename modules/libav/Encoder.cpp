@@ -13,7 +13,7 @@ Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream, Encod
     : CodedStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakePictureInput(std::move(stream), log)) {
     Open();
@@ -23,7 +23,7 @@ Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamAudio> stream, Encod
     : CodedStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakeSoundInput(std::move(stream), log)) {
     Open();
@@ -49,9 +49,15 @@ void Encoder::Open() {
     if (options.isFastest) {
         av_dict_parse_string(&dictionary, traits.fastest, "=", " ", 0);
     }
+    av_dict_parse_string(&dictionary, options.own.c_str(), "=", " ", 0);
     const int result = avcodec_open2(coder.get(), &codec, &dictionary);
+    const AVDictionaryEntry* unknown = av_dict_get(dictionary, "", nullptr, AV_DICT_IGNORE_SUFFIX);
+    const std::string unknownKey = unknown == nullptr ? "" : unknown->key;
     av_dict_free(&dictionary);
     log.Check(result, "opening");
+    if (!unknownKey.empty()) {
+        log.Fail("has no option " + unknownKey);
+    }
 
     parameters = Own(avcodec_parameters_alloc());
     log.Check(avcodec_parameters_from_context(parameters.get(), coder.get()), "describing");

@@ -11,6 +11,8 @@ namespace Tarnex::Libav {
 struct EncoderOptions {
     bool isFastest = false;
     bool isSingleThreaded = false;
+    /// Options of libavcodec, "key=value key=value".
+    std::string own;
 };
 
 /// An encoder of libavcodec. Its packets are in the form in which a parser of files would deliver
