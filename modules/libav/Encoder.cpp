@@ -14,7 +14,7 @@ Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream,
     : CodedStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakePictureInput(std::move(stream), log)) {
     Open();
@@ -25,7 +25,7 @@ Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamAudio> stream,
     : CodedStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakeSoundInput(std::move(stream), log)) {
     Open();
@@ -50,6 +50,7 @@ void Encoder::Open() {
     if (options.isFastest) {
         SetOptions(traits.fastest);
     }
+    SetOptions(options.own.c_str());
     log.Check(avcodec_open2(coder.get(), &codec, nullptr), "opening");
 
     parameters = Own(avcodec_parameters_alloc());
