@@ -4,6 +4,7 @@
 
 #include "modules/libav/CodecTable.h"
 #include "modules/libav/Packet.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 
@@ -11,7 +12,7 @@ using Proc::Pointer;
 
 Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream,
                  Modules::EncoderOptions options)
-    : CodedStream(stream, codec.name),
+    : CoderStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
       options(std::move(options)),
@@ -22,7 +23,7 @@ Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream,
 
 Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamAudio> stream,
                  Modules::EncoderOptions options)
-    : CodedStream(stream, codec.name),
+    : CoderStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
       options(std::move(options)),

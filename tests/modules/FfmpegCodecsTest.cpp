@@ -10,7 +10,6 @@ extern "C" {
 #include <numeric>
 #include <thread>
 
-#include "core/support/Exception.h"
 #include "modules/common/CoderStream.h"
 #include "tests/modules/Coders.h"
 
@@ -115,22 +114,10 @@ TEST(FfmpegCodecs, TestsOfOneCodecRunSideBySide) {
     }
 }
 
-/// Packets that aren't libav's, in a stream that isn't either.
-class ForeignPacket : public Proc::RefCounted<Proc::IPacket> {
-public:
-    explicit ForeignPacket(std::vector<std::uint8_t> data) : data(std::move(data)) {}
-    const std::uint8_t* GetData() const override { return data.data(); }
-    std::size_t GetSize() const override { return data.size(); }
-    std::int64_t GetTime() const override { return 0; }
-    bool IsKey() const override { return true; }
-
-private:
-    std::vector<std::uint8_t> data;
-};
-
 /// Damages the packet of that number in its stream.
 using Damage = void (*)(int number, std::vector<std::uint8_t>& packet);
 
+/// Packets that aren't libav's, in a stream that isn't either.
 class ForeignStream : public Modules::CoderStream<Proc::ICodedStream> {
 public:
     explicit ForeignStream(Pointer<Proc::ICodedStream> source, Damage damage = nullptr)
@@ -186,17 +173,6 @@ TEST(FfmpegCodecs, DecodesOnOverACutFrame) {
     EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_AC3"), cutFirst))), "");
 }
 
-/// The text with which it fails, empty if it doesn't.
-template <class Action>
-std::string FailureOf(Action action) {
-    try {
-        action();
-        return {};
-    } catch (const Exception& failure) {
-        return failure.what();
-    }
-}
-
 TEST(FfmpegCodecs, NoOutputIsAFailureAfterEachStart) {
     const auto input = Encode("CODEC_ID_MP2");
     const auto decoder = Decode(input);
@@ -204,9 +180,9 @@ TEST(FfmpegCodecs, NoOutputIsAFailureAfterEachStart) {
     decoder->Seek(0, {});
     while (input->ReadNext()) {
     }
-    EXPECT_EQ(FailureOf([&] { decoder->ReadNext(); }), "Decoder mp2: gave no output");
+    EXPECT_EQ(ThrownBy([&] { decoder->ReadNext(); }), "Decoder mp2: gave no output");
     input->Seek(1'000'000, {});
-    EXPECT_EQ(FailureOf([&] { input->ReadNext(); }), "Encoder mp2: gave no output");
+    EXPECT_EQ(ThrownBy([&] { input->ReadNext(); }), "Encoder mp2: gave no output");
 }
 
 TEST(FfmpegCodecs, FormatSaysWhatTheFramesAre) {
@@ -250,7 +226,7 @@ TEST(FfmpegCodecs, RefusesAbsurdFormats) {
         const Pointer<Core::Utils::FakeStreamVideo> source(
             new Core::Utils::FakeStreamVideo(ImplNames::FFMPEG, "CODEC_ID_MPEG4"));
         row.spoil(*source->GetFormatCodec());
-        EXPECT_THAT(FailureOf([&] { Encode("CODEC_ID_MPEG4", source, ImplNames::FFMPEG); }),
+        EXPECT_THAT(ThrownBy([&] { Encode("CODEC_ID_MPEG4", source, ImplNames::FFMPEG); }),
                     HasSubstr(row.text));
     }
     const Pointer<Core::Utils::FakeStreamAudio> source(new Core::Utils::FakeStreamAudio());
@@ -260,7 +236,7 @@ TEST(FfmpegCodecs, RefusesAbsurdFormats) {
     const Pointer<ForeignStream> coded(new ForeignStream(Encode("CODEC_ID_VP8")));
     boost::dynamic_pointer_cast<Proc::IFormatCodecVideo>(coded->GetCodecFormat())
         ->InitByPixelAspect(0, 480, 1, 1);
-    EXPECT_EQ(FailureOf([&] { Decode(coded); }),
+    EXPECT_EQ(ThrownBy([&] { Decode(coded); }),
               "Decoder vp8: can't decode pictures of 0 by 480 pixels");
 }
 
