@@ -1,12 +1,12 @@
 #include "core/media/CodecFactory.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
 #include "core/media/Presets.h"
 #include "core/support/Exception.h"
 #include "core/support/ExceptionText.h"
+#include "core/support/Text.h"
 #include "mediacore/StartedModules.h"
 
 namespace Tarnex::Proc {
@@ -15,11 +15,8 @@ namespace {
 using Codecs = std::vector<std::string>;
 using Core::CoderType;
 using Core::StartedModules;
+using Core::Utils::Contains;
 using Module::ICodecModule;
-
-bool Holds(const Codecs& codecs, const std::string& codecId) {
-    return std::find(codecs.begin(), codecs.end(), codecId) != codecs.end();
-}
 
 /// Whose list failed would be told by nothing else: the module was checked long before.
 Codecs Ask(ICodecModule& module, CoderType type) {
@@ -98,7 +95,7 @@ private:
                        const std::string& implementation) const {
         for (ICodecModule* module : modules->codecs) {
             if (module->GetImplementation() == implementation &&
-                Holds(Ask(*module, type), codecId)) {
+                Contains(Ask(*module, type), codecId)) {
                 return module;
             }
         }
@@ -115,7 +112,7 @@ private:
         std::exception_ptr reason;
         for (ICodecModule* module : modules->codecs) {
             try {
-                if (!Holds(Ask(*module, CoderType::Encoder), codecId)) {
+                if (!Contains(Ask(*module, CoderType::Encoder), codecId)) {
                     continue;
                 }
                 if (auto encoder = (module->*create)(stream, property)) {
@@ -138,7 +135,7 @@ private:
                 continue;
             }
             for (std::string& codecId : Ask(*module, type)) {
-                if (!Holds(all, codecId)) {
+                if (!Contains(all, codecId)) {
                     all.push_back(std::move(codecId));
                 }
             }
@@ -172,7 +169,11 @@ bool IsAudioCodec(const std::string& codecId) {
 
 }  // namespace Tarnex::Proc
 
-Tarnex::Proc::Pointer<Tarnex::Proc::ICodecFactory> Tarnex::Core::CreateCodecFactory(
+namespace Tarnex::Core {
+
+Proc::Pointer<Proc::ICodecFactory> CreateCodecFactory(
     std::shared_ptr<const StartedModules> modules) {
     return new Proc::CodecFactory(std::move(modules));
 }
+
+}  // namespace Tarnex::Core

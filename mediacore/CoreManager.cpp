@@ -25,14 +25,13 @@ public:
 
     void Initialize(std::function<void()> onInitialized, const CoreOptions& options,
                     IHostServices* /*host*/, IStartProgress* /*progress*/,
-                    bool startModules) override {
+                    bool /*startModules*/) override {
         const std::lock_guard lock(mutex);
         if (start.valid()) {
             throw Exception("The media core is started already");
         }
         start = std::async(std::launch::async, [=, this, disabled = GetDisabledPlugins(options)] {
-            SetModules(std::make_shared<const StartedModules>(startModules ? StartModules(disabled)
-                                                                           : StartedModules()));
+            SetModules(std::make_shared<const StartedModules>(StartModules(disabled)));
             if (onInitialized) {
                 onInitialized();
             }

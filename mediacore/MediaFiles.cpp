@@ -7,7 +7,7 @@
 #include "core/support/ExceptionText.h"
 #include "mediacore/StartedModules.h"
 
-namespace Tarnex {
+namespace Tarnex::Core {
 namespace {
 
 /// Offers the file to one module after the other until one takes it. Throws what all of them said.
@@ -24,7 +24,7 @@ void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const
         } catch (const std::exception& failure) {
             reasons += fmt::format("; {}", failure.what());
         } catch (...) {
-            reasons += "; " + Core::Utils::GetCurrentExceptionText();
+            reasons += "; " + Utils::GetCurrentExceptionText();
         }
     }
     throw Exception(fmt::format("No module can {} {}{}", work, path.utf8string(),
@@ -33,7 +33,7 @@ void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const
 
 }  // namespace
 
-Proc::Pointer<Proc::IStreamReader> Core::ClientAPI::OpenSource(const ioPath& path) {
+Proc::Pointer<Proc::IStreamReader> ClientAPI::OpenSource(const ioPath& path) {
     Proc::Pointer<Proc::IStreamReader> reader;
     FirstThatCan<Module::IParserModule>(GetStartedModules()->parsers, path, "open",
                                         [&](Module::IParserModule& parser) {
@@ -43,12 +43,16 @@ Proc::Pointer<Proc::IStreamReader> Core::ClientAPI::OpenSource(const ioPath& pat
     return reader;
 }
 
-void Proc::MuxerFactoryImpl::WriteFile(const ioPath& path, const Pointer<ICodedStream>& stream) {
-    FirstThatCan<Module::IMuxerModule>(Core::GetStartedModules()->muxers, path, "write",
-                                       [&](Module::IMuxerModule& muxer) {
-                                           muxer.Write(path, stream);
-                                           return true;
-                                       });
+}  // namespace Tarnex::Core
+
+namespace Tarnex::Proc {
+
+void MuxerFactoryImpl::WriteFile(const ioPath& path, const Pointer<ICodedStream>& stream) {
+    Core::FirstThatCan<Module::IMuxerModule>(Core::GetStartedModules()->muxers, path, "write",
+                                             [&](Module::IMuxerModule& muxer) {
+                                                 muxer.Write(path, stream);
+                                                 return true;
+                                             });
 }
 
-}  // namespace Tarnex
+}  // namespace Tarnex::Proc

@@ -9,6 +9,7 @@
 #include "core/media/PluginFactories.h"
 #include "core/support/Constants.h"
 #include "core/support/ExceptionText.h"
+#include "core/support/Text.h"
 #include "core/support/ioPath.h"
 #include "reporting/Logging.h"
 
@@ -46,10 +47,6 @@ Loader GetLoader(const std::string& factory) {
         };
     }
     return {};
-}
-
-bool Contains(const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 bool HasModuleFile(const std::string& plugin) {

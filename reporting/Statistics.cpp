@@ -20,10 +20,6 @@ using Names = std::vector<std::string>;
 
 constexpr std::size_t LONGEST_ERROR_INFO = 10240;  // bytes
 
-bool Contains(const Names& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 std::string Join(const Names& names) {
     return fmt::format("{}", fmt::join(names, ","));
 }

@@ -90,15 +90,6 @@ std::int64_t ToNumber(const std::string& text) {
     return number;
 }
 
-std::vector<std::string> SplitAtCommas(const std::string& text) {
-    std::vector<std::string> elements;
-    std::istringstream stream(text);
-    for (std::string element; std::getline(stream, element, ',');) {
-        elements.push_back(TrimAll(element));
-    }
-    return elements;
-}
-
 const std::string& Identity(const std::string& text) {
     return text;
 }

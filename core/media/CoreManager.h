@@ -17,8 +17,8 @@ public:
     bool computingResourcesFlag = false;
 };
 
-class IHostServices;   ///< what a host may offer to the core; the core needs nothing of it
-class IStartProgress;  ///< whom the core may tell about its start; it tells nobody
+class IHostServices;   ///< what a host may offer to a core
+class IStartProgress;  ///< whom a core may tell about its start
 
 /// The media core of this process.
 class TARNEX_API CoreManager {
@@ -29,7 +29,8 @@ public:
 
     /// Starts the codec, parser and muxer modules that `options` doesn't disable, on a thread of
     /// its own, and calls `onInitialized`, if set, when that is done. A module that fails to start
-    /// is left out. `startModules` false leaves all of them out. Throws if the core is up already.
+    /// is left out. Throws if the core is up already. The last three parameters are for cores that
+    /// are more than a stand-in: this one needs no host, tells nobody and always starts modules.
     virtual void Initialize(std::function<void()> onInitialized, const CoreOptions& options,
                             IHostServices* host, IStartProgress* progress, bool startModules) = 0;
 
