@@ -2,7 +2,7 @@
 #include <ladspa.h>
 #include <lv2/core/lv2.h>
 
-#include <filesystem>
+#include <boost/filesystem.hpp>
 #include <memory>
 
 #include "core/media/Factories.h"
@@ -55,7 +55,7 @@ void DestroyLibrary(const LV2_Lib_Descriptor* description) {
 
 unsigned CheckLibrary(const SharedLibrary& library, const std::string& file,
                       decltype(lv2_lib_descriptor)* describe) {
-    const std::string bundle = std::filesystem::path(file).parent_path().string() + "/";
+    const std::string bundle = boost::filesystem::path(file).parent_path().string() + "/";
     const LV2_Feature* const noFeatures[] = {nullptr};
     const std::unique_ptr<const LV2_Lib_Descriptor, decltype(&DestroyLibrary)> description(
         describe(bundle.c_str(), noFeatures), DestroyLibrary);

@@ -6,13 +6,14 @@
 namespace Tarnex::Platform {
 
 /// A variable of this process. One that is set to nothing counts as not set.
-std::optional<std::wstring> GetEnvironment(const std::wstring& name);
+[[nodiscard]] std::optional<std::string> GetEnvironment(const std::string& name);
 
 /// Sets a variable of this process and of the processes that it starts. Not to be called while
 /// another thread may read the environment. False if the system refuses the name or the value.
-bool SetEnvironment(const std::wstring& name, const std::wstring& value);
+bool SetEnvironment(const std::string& name, const std::string& value);
 
-/// The file of the running program, symbolic links resolved. Throws `std::system_error`.
-std::wstring GetProgramPath();
+/// The file of the running program, symbolic links resolved. Throws
+/// `boost::filesystem::filesystem_error`.
+[[nodiscard]] std::string GetProgramPath();
 
 }  // namespace Tarnex::Platform

@@ -11,7 +11,7 @@ namespace Tarnex::Core::Utils {
 /// Deletes this program's older logs there and publishes the directory as TarnexLogPath in the
 /// environment. To be called before there are other threads.
 ///
-/// `productName` is UTF-8; only what follows its last separator counts, and if it is empty, the
+/// Only what follows the last separator of `productName` (UTF-8) counts; if it is empty, the
 /// variable GLOG_PRODUCT_NAME stands for it. Severities (0 to 3, glog's) below `minSeverity` get no
 /// file. Files that were created more than `maxAgeDays` days ago are old.
 ///

@@ -13,9 +13,9 @@ std::chrono::system_clock::time_point LogAgeLimit(std::chrono::system_clock::tim
     return now - std::chrono::hours(24) * std::clamp(maxAgeDays, -HUNDRED_YEARS, HUNDRED_YEARS);
 }
 
-void DeleteOldLogs(const std::wstring& directory, const std::wstring& program,
+void DeleteOldLogs(const std::string& directory, const std::string& program,
                    std::chrono::system_clock::time_point limit) {
-    for (const Platform::FoundFile& file : Platform::FindFiles(directory, program + L".")) {
+    for (const Platform::FoundFile& file : Platform::FindFiles(directory, program + ".")) {
         if (file.created < limit) {
             Platform::RemoveFile(directory + file.name);
         }

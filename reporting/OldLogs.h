@@ -12,7 +12,7 @@ std::chrono::system_clock::time_point LogAgeLimit(std::chrono::system_clock::tim
 
 /// Deletes the files of `directory` that were created before `limit` and whose names begin with
 /// `program` and a point. `directory` ends in a separator. What can't be deleted stays.
-void DeleteOldLogs(const std::wstring& directory, const std::wstring& program,
+void DeleteOldLogs(const std::string& directory, const std::string& program,
                    std::chrono::system_clock::time_point limit);
 
 }  // namespace Tarnex::Core::Utils

@@ -10,7 +10,6 @@
 
 #include "core/support/Constants.h"
 #include "platform/Files.h"
-#include "platform/WideText.h"
 #include "reporting/Logging.h"
 #include "reporting/OldLogs.h"
 
@@ -78,19 +77,19 @@ TEST_F(LogFiles, HaveTheirPlaceAndNames) {
 }
 
 TEST_F(LogFiles, OldOnesAreDeletedByTheirCreationTime) {
-    const std::wstring directory = Platform::Widen(root.native()) + Platform::PATH_SEPARATOR;
+    const std::string directory = root.native() + Platform::PATH_SEPARATOR;
     std::filesystem::create_directory(root / "App.directory");
     for (const char* name : {"Apple.INFO", "Other.App.", "App.user.INFO.1"}) {
         std::ofstream(root / name) << "text";
     }
-    const auto created = Platform::FindFiles(directory, L"App.user").at(0).created;
+    const auto created = Platform::FindFiles(directory, "App.user").at(0).created;
     // However long ago it was written to, creation counts.
     std::filesystem::last_write_time(
         root / "App.user.INFO.1",
         std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * 365));
-    DeleteOldLogs(directory, L"App", created);
+    DeleteOldLogs(directory, "App", created);
     EXPECT_TRUE(std::filesystem::exists(root / "App.user.INFO.1"));
-    DeleteOldLogs(directory, L"App", created + std::chrono::nanoseconds(1));
+    DeleteOldLogs(directory, "App", created + std::chrono::nanoseconds(1));
     EXPECT_FALSE(std::filesystem::exists(root / "App.user.INFO.1"));
     for (const char* name : {"Apple.INFO", "Other.App.", "App.directory"}) {
         EXPECT_TRUE(std::filesystem::exists(root / name)) << name;
