@@ -129,6 +129,7 @@ def test_nobody_at_the_other_end_of_standard_error(installation):
 
 
 def test_displays_that_are_gone_or_never_answer(installation):
+    installation.add("good.1")
     assert installation.run("plugins", "60", environment={"DISPLAY": ":77"}).code == 0
     with socket.create_server(("127.0.0.1", 0)) as server:
         display = f"127.0.0.1:{server.getsockname()[1] - 6000}"

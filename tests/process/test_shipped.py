@@ -59,7 +59,8 @@ def test_a_sample_of_another_codec_is_no_input(installation):
     installation.add_shipped("ParserFactory", "FfmpegParsers")
     samples = installation.directory / "resources" / "codecSamples"
     samples.mkdir(parents=True)
-    (samples / "CODEC_ID_MP3.h264").symlink_to(APP / "resources" / "codecSamples" / "CODEC_ID_H264.h264")
+    [sample] = (APP / "resources" / "codecSamples").glob("CODEC_ID_H264.*")
+    (samples / f"CODEC_ID_MP3{sample.suffix}").symlink_to(sample)
     result = installation.run("codecs", "60", FFMPEG, ids(["MP3"]))
     assert result.of("ERROR") == ["CODEC_ID_MP3 stream not found"], result
 
