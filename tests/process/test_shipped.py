@@ -126,3 +126,9 @@ def test_material_that_is_added(installation):
         assert any(f"File {samples / name}: opening: " in error for error in errors), (name, errors)
     for path in samples.iterdir():
         assert f"Using test file: {path.name}\n" in result.err, path
+
+
+def test_the_example_of_the_documentation_works(installation):
+    installation.add_fixture("RawCodec")
+    result = installation.run("all", "60", "EXAMPLE_IMPL", "CODEC_ID_RAW")
+    assert result.code == 0 and result.of("TEST_CODEC") == ["Encoder.EXAMPLE_IMPL.CODEC_ID_RAW"], result
