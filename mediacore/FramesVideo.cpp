@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
+#include <random>
 
 #include "core/media/FrameTiming.h"
 #include "core/support/Exception.h"
@@ -13,12 +13,24 @@ namespace {
 /// Wide enough for the vector instructions of any scaler or coder.
 constexpr int ALIGNMENT = 64;
 
-constexpr std::uint8_t BLACK_LUMA = 16;
-constexpr int LUMA_RANGE = 219;
-constexpr std::uint8_t NEUTRAL_CHROMA = 128;
+/// What a plane's values lie between.
+struct Range {
+    int low;
+    int high;
+};
+constexpr Range LUMA{16, 235};
+constexpr Range CHROMA{80, 176};
+
+/// The side of the squares in the middle of the picture. Larger than the blocks of most coders and
+/// no multiple of them, so that edges fall inside blocks too.
+constexpr int SQUARE = 60;
 
 /// Above what any coder takes, and far below where sizes in bytes overflow an int.
 constexpr int MAX_SIDE = 16384;
+
+/// The noise of a row begins at one of so many places.
+constexpr int NOISE_STARTS = 4096;
+constexpr int NOISE_STEP = 1009;  // far apart for neighbouring rows
 
 /// Rows are multiples of it, so that memory of blocks holds whole planes.
 struct alignas(ALIGNMENT) Block {
@@ -27,6 +39,46 @@ struct alignas(ALIGNMENT) Block {
 
 constexpr int Align(int size) {
     return (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+}
+
+/// From low at the left to high at the right.
+void DrawRamp(const Plane& plane, Range range) {
+    for (int x = 0; x < plane.stride; ++x) {
+        plane.data[x] =
+            static_cast<std::uint8_t>(range.low + x * (range.high - range.low) / plane.stride);
+    }
+    for (int row = 1; row < plane.height; ++row) {
+        std::copy_n(plane.data, plane.stride, plane.data + std::ptrdiff_t{row} * plane.stride);
+    }
+}
+
+/// Values from 0 to 7. Rows share them: numbers of their own would cost more than some coders do.
+std::vector<std::uint8_t> MakeNoise(int size) {
+    std::minstd_rand random;  // the standard defines its numbers, so all machines draw the same
+    std::vector<std::uint8_t> noise(static_cast<std::size_t>(size));
+    std::generate(noise.begin(), noise.end(),
+                  [&] { return static_cast<std::uint8_t>(random() / 16 % 8); });
+    return noise;
+}
+
+void DrawLine(std::uint8_t* line, const std::uint8_t* noise, Range range, bool isInverted) {
+    for (int x = 0; x < SQUARE; ++x) {
+        const int value = isInverted ? range.low + range.high - line[x] : line[x];
+        line[x] = static_cast<std::uint8_t>(value + noise[x] - 4);
+    }
+}
+
+/// Inverts every second square in the middle, and adds noise there. It stays out of the rest: a
+/// picture full of it costs coders without losses a multiple.
+void DrawSquares(const Plane& plane, Range range) {
+    const std::vector<std::uint8_t> noise = MakeNoise(plane.stride + NOISE_STARTS);
+    for (int row = plane.height / 4; row < plane.height - plane.height / 4; ++row) {
+        std::uint8_t* line = plane.data + std::ptrdiff_t{row} * plane.stride;
+        const std::uint8_t* start = noise.data() + row * NOISE_STEP % NOISE_STARTS;
+        for (int x = plane.stride / 4; x + SQUARE <= plane.stride - plane.stride / 4; x += SQUARE) {
+            DrawLine(line + x, start + x, range, (row / SQUARE + x / SQUARE) % 2 != 0);
+        }
+    }
 }
 
 class FrameVideo : public FrameTiming<IFrameVideo> {
@@ -42,7 +94,11 @@ public:
                            : std::vector<Plane>{{nullptr, lumaStride, info.height},
                                                 {nullptr, chromaStride, chromaHeight},
                                                 {nullptr, chromaStride, chromaHeight}});
-        DrawRamp(planes.front());
+        for (const Plane& plane : planes) {
+            const Range range = &plane == &planes.front() ? LUMA : CHROMA;
+            DrawRamp(plane, range);
+            DrawSquares(plane, range);
+        }
     }
 
     PixFmt GetPixelFormat() const override { return pixelFormat; }
@@ -57,7 +113,6 @@ private:
             size += PlaneSize(plane);
         }
         memory = std::make_unique_for_overwrite<Block[]>(size / ALIGNMENT);
-        std::memset(memory.get(), NEUTRAL_CHROMA, size);
         auto* next = reinterpret_cast<std::uint8_t*>(memory.get());
         for (Plane& plane : layout) {
             plane.data = next;
@@ -68,17 +123,6 @@ private:
 
     static std::size_t PlaneSize(const Plane& plane) {
         return static_cast<std::size_t>(plane.stride) * static_cast<std::size_t>(plane.height);
-    }
-
-    /// From black at the left to white at the right.
-    static void DrawRamp(const Plane& plane) {
-        for (int x = 0; x < plane.stride; ++x) {
-            plane.data[x] = static_cast<std::uint8_t>(BLACK_LUMA + x * LUMA_RANGE / plane.stride);
-        }
-        for (int row = 1; row < plane.height; ++row) {
-            std::copy_n(plane.data, plane.stride,
-                        plane.data + static_cast<std::ptrdiff_t>(row) * plane.stride);
-        }
     }
 
     ColorSpace colorSpace;

@@ -6,6 +6,8 @@ extern "C" {
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <numeric>
 #include <thread>
 
 #include "core/support/Exception.h"
@@ -32,28 +34,29 @@ std::vector<std::string> FindIds(const AVCodec* (*find)(AVCodecID)) {
     return ids;
 }
 
-/// The failure of one read, with what a good one has to deliver checked by `check`.
+/// The failure to read what passes `check`. Some coders begin with a frame of silence.
 template <class Data>
-std::string ReadOne(const Pointer<Proc::IStream>& coder, bool (*check)(const Data&)) {
+std::string Read(const Pointer<Proc::IStream>& coder, bool (*check)(const Data&)) {
     try {
         coder->Seek(0, {});
         coder->Prepare();
-        const auto data = boost::dynamic_pointer_cast<Data>(coder->ReadNext());
-        return data && check(*data) ? "" : "nothing of use";
+        while (const auto data = boost::dynamic_pointer_cast<Data>(coder->ReadNext())) {
+            if (check(*data)) {
+                return "";
+            }
+        }
+        return "nothing of use";
     } catch (const std::exception& failure) {
         return failure.what();
     }
 }
 
 std::string ReadPacket(const Pointer<Proc::IStream>& encoder) {
-    return ReadOne<Proc::IPacket>(encoder,
-                                  [](const Proc::IPacket& packet) { return packet.GetSize() > 0; });
+    return Read<Proc::IPacket>(encoder,
+                               [](const Proc::IPacket& packet) { return packet.GetSize() > 0; });
 }
 
-/// Its encoder makes the loudest value of silence, whoever calls it.
-constexpr char NOT_SILENT[] = "CODEC_ID_PCM_VIDC";
-
-/// The synthetic picture is a ramp from dark to bright, the sound is silence: what survives coding.
+/// The synthetic picture is a ramp from dark to bright but for its middle, which survives coding.
 bool IsRamp(const Proc::IFrameVideo& frame) {
     const Proc::Plane& luma = frame.GetPlanes().front();
     const std::uint8_t* row =
@@ -62,17 +65,20 @@ bool IsRamp(const Proc::IFrameVideo& frame) {
     return row[width / 8] + 50 < row[width - width / 8];
 }
 
-bool IsSilence(const Proc::IFrameAudio& frame) {
+/// The synthetic sound is a tone with a root mean square of 4600.
+bool IsTone(const Proc::IFrameAudio& frame) {
     const auto* samples = reinterpret_cast<const std::int16_t*>(frame.GetSamples());
-    return frame.GetSampleCount() > 0 &&
-           std::all_of(samples, samples + frame.GetSampleCount(),
-                       [](int sample) { return std::abs(sample) < 1500; });
+    const std::size_t count =
+        frame.GetSampleCount() * static_cast<std::size_t>(frame.GetSampleInfo().layout);
+    const double loudness = std::sqrt(std::inner_product(samples, samples + count, samples, 0.0) /
+                                      static_cast<double>(count));
+    return loudness > 1000 && loudness < 6000;
 }
 
 std::string ReadFrame(const Pointer<Proc::IStream>& decoder) {
     return boost::dynamic_pointer_cast<Proc::IStreamVideo>(decoder)
-               ? ReadOne<Proc::IFrameVideo>(decoder, IsRamp)
-               : ReadOne<Proc::IFrameAudio>(decoder, IsSilence);
+               ? Read<Proc::IFrameVideo>(decoder, IsRamp)
+               : Read<Proc::IFrameAudio>(decoder, IsTone);
 }
 
 TEST(FfmpegCodecs, OffersWhatLibavcodecHas) {
@@ -92,8 +98,7 @@ TEST(FfmpegCodecs, EachDecoderTakesWhatTheEncoderGives) {
     const std::vector<std::string> encoders = FindIds(avcodec_find_encoder);
     for (const std::string& id : FindIds(avcodec_find_decoder)) {
         if (std::find(encoders.begin(), encoders.end(), id) != encoders.end()) {
-            EXPECT_EQ(ReadFrame(Decode(Encode(id))), id == NOT_SILENT ? "nothing of use" : "")
-                << id;
+            EXPECT_EQ(ReadFrame(Decode(Encode(id))), "") << id;
         }
     }
 }
