@@ -115,8 +115,12 @@ void WriteMaterial(const std::filesystem::path& directory) {
         }
         width = picture->GetFrameInfo().width / 2;
     }
-    std::ofstream(directory / "silence.raw", std::ios::binary)
-        << std::string(std::size_t{4} * Proc::IFactoryDataAudio::SAMPLES_PER_BLOCK, '\0');
+    const auto sound =
+        Proc::Pointer<Core::Utils::FakeStreamAudio>(new Core::Utils::FakeStreamAudio())
+            ->GetNextFrame();
+    std::ofstream(directory / "sound.raw", std::ios::binary)
+        .write(reinterpret_cast<const char*>(sound->GetSamples()),
+               static_cast<std::streamsize>(4 * sound->GetSampleCount()));
 }
 
 /// How many of the codecs the command encodes.
@@ -128,8 +132,7 @@ int SweepCommand(const Ids& ids, const std::filesystem::path& directory) {
                 ? fmt::format(
                       "-f rawvideo -pix_fmt yuv420p -s 1920x1080 -r 25 -i {}/picture.yuv -c:v",
                       directory.string())
-                : fmt::format("-f s16le -ar 44100 -ac 2 -i {}/silence.raw -c:a",
-                              directory.string());
+                : fmt::format("-f s16le -ar 44100 -ac 2 -i {}/sound.raw -c:a", directory.string());
         const std::string command = fmt::format(
             "ffmpeg -nostdin -loglevel quiet {} {} -strict experimental -f null - "
             ">/dev/null 2>&1",
