@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/media/PluginFactories.h"
+
 namespace Tarnex::Collect {
 
 /// A kind of modules that other programs bring along.
@@ -17,10 +19,10 @@ struct ModuleKind {
 };
 
 inline constexpr std::array<ModuleKind, 4> MODULE_KINDS{{
-    {"EffectFactory", {"f0r_get_plugin_info"}, "FREI0R_PATH", "frei0r-1", {".frei0r-1/lib"}},
-    {"FilterFactory", {"ladspa_descriptor"}, "LADSPA_PATH", "ladspa", {".ladspa"}},
-    {"FilterFactory", {"lv2_descriptor", "lv2_lib_descriptor"}, "LV2_PATH", "lv2", {".lv2"}},
-    {"AnalyzerFactory", {"vampGetPluginDescriptor"}, "VAMP_PATH", "vamp", {"vamp", ".vamp"}},
+    {Core::EFFECT_FACTORY, {"f0r_get_plugin_info"}, "FREI0R_PATH", "frei0r-1", {".frei0r-1/lib"}},
+    {Core::FILTER_FACTORY, {"ladspa_descriptor"}, "LADSPA_PATH", "ladspa", {".ladspa"}},
+    {Core::FILTER_FACTORY, {"lv2_descriptor", "lv2_lib_descriptor"}, "LV2_PATH", "lv2", {".lv2"}},
+    {Core::ANALYZER_FACTORY, {"vampGetPluginDescriptor"}, "VAMP_PATH", "vamp", {"vamp", ".vamp"}},
 }};
 
 /// The kind of the binaries that bundles name.

@@ -6,12 +6,15 @@
 #include <memory>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
+#include "mediacore/LoadOnce.h"
 #include "mediacore/PluginList.h"
 #include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Proc {
 namespace {
 
+using Core::ModuleFile;
 using Core::SharedLibrary;
 
 bool IsNamed(const LADSPA_Descriptor& filter) {
@@ -51,9 +54,9 @@ void DestroyLibrary(const LV2_Lib_Descriptor* description) {
     }
 }
 
-unsigned CheckLibrary(const SharedLibrary& library, const std::string& file,
+unsigned CheckLibrary(const SharedLibrary& library, const ModuleFile& file,
                       decltype(lv2_lib_descriptor)* describe) {
-    const std::string bundle = std::filesystem::path(file).parent_path().string() + "/";
+    const std::string bundle = std::filesystem::path(file.path).parent_path().string() + "/";
     const LV2_Feature* const noFeatures[] = {nullptr};
     const std::unique_ptr<const LV2_Lib_Descriptor, decltype(&DestroyLibrary)> description(
         describe(bundle.c_str(), noFeatures), DestroyLibrary);
@@ -84,7 +87,7 @@ bool CheckLadspa(const SharedLibrary& library) {
 }
 
 /// False if it isn't of this interface.
-bool CheckLv2(const SharedLibrary& library, const std::string& file) {
+bool CheckLv2(const SharedLibrary& library, const ModuleFile& file) {
     auto* const describe = library.Find<decltype(lv2_descriptor)>("lv2_descriptor");
     auto* const describeLibrary = library.Find<decltype(lv2_lib_descriptor)>("lv2_lib_descriptor");
     if (describe == nullptr && describeLibrary == nullptr) {
@@ -97,20 +100,25 @@ bool CheckLv2(const SharedLibrary& library, const std::string& file) {
     return true;
 }
 
-}  // namespace
-
-std::vector<std::string> FilterFactory::GetPluginList() {
-    return Core::GetPlugins("FilterFactory");
-}
-
-void FilterFactory::TryToLoadModule(const std::string& plugin) {
-    const std::string file = SharedLibrary::FindFile(plugin);
+void Load(const ModuleFile& file) {
     const SharedLibrary library(file);
     const bool isLadspa = CheckLadspa(library);
     const bool isLv2 = CheckLv2(library, file);
     if (!isLadspa && !isLv2) {
         library.Refuse("no entry point ladspa_descriptor, lv2_descriptor or lv2_lib_descriptor");
     }
+}
+
+}  // namespace
+
+std::vector<std::string> FilterFactory::GetPluginList() {
+    return Core::GetPlugins(Core::FILTER_FACTORY);
+}
+
+void FilterFactory::TryToLoadModule(const std::string& plugin) {
+    static auto& once = *new Core::LoadOnce();
+    const ModuleFile file = SharedLibrary::FindFile(plugin);
+    once(file, [&] { Load(file); });
 }
 
 }  // namespace Tarnex::Proc

@@ -6,6 +6,9 @@
 
 namespace Tarnex::Libav {
 
+/// Throws `Tarnex::Exception` for a value that is none.
+AVPixelFormat ToAvFormat(Proc::PixFmt format);
+
 /// The core's frame as libav's. The pixels are shared, not copied. Throws `Tarnex::Exception` for a
 /// frame that has no planes or no known pixel format.
 Handle<AVFrame> ToAvFrame(const Proc::Pointer<Proc::IFrameVideo>& frame);

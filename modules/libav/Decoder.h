@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "modules/libav/CoderLog.h"
 #include "modules/libav/Parameters.h"
 
@@ -12,7 +14,9 @@ public:
     FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
                  bool isSingleThreaded);
 
-    /// The next frame, empty at the end. Its time is in milliseconds.
+    /// The next frame, empty at the end. Its time is in milliseconds. Goes on over packets that
+    /// can't be decoded, as a file has them that was cut; if no frame comes of the others, the
+    /// first one's failure is thrown.
     Handle<AVFrame> Next();
     /// The input was moved.
     void Restart();
@@ -24,6 +28,9 @@ public:
 private:
     void Open();
     void Feed();
+    /// Notes the failure text of the first one.
+    bool IsBadPacket(int result);
+    [[noreturn]] void FailWithoutOutput() const;
 
     const AVCodec& codec;
     Proc::Pointer<Proc::ICodedStream> input;
@@ -31,6 +38,7 @@ private:
     CoderLog log;
     Handle<AVCodecParameters> parameters;
     Handle<AVCodecContext> coder;
+    std::string firstBadPacket;
     bool gaveOutput = false;
 };
 

@@ -20,6 +20,10 @@ public:
     virtual AVRational GetTimeBase() const = 0;
 };
 
+/// Both sides number colours by the same standard.
+Proc::ColorSpace ToColorSpace(AVColorPrimaries primaries, AVColorTransferCharacteristic transfer,
+                              AVColorSpace matrix);
+
 /// The common format that says the same.
 Proc::Pointer<Proc::IFormatCodec> MakeFormat(const AVCodecParameters& parameters,
                                              AVRational frameRate);

@@ -59,12 +59,14 @@ bool IsRamp(const Proc::IFrameVideo& frame) {
     const std::uint8_t* row =
         luma.data + static_cast<std::ptrdiff_t>(luma.height / 2) * luma.stride;
     const int width = frame.GetFrameInfo().width;
-    return row[width / 8] + 50 < row[width - width / 8];
+    return row[width / 8] + 50 < row[width - width / 8] && frame.GetFrameLength() > 0;
 }
 
 bool IsSilence(const Proc::IFrameAudio& frame) {
     const auto* samples = reinterpret_cast<const std::int16_t*>(frame.GetSamples());
-    return frame.GetSampleCount() > 0 &&
+    const auto count = static_cast<std::int64_t>(frame.GetSampleCount());
+    return count > 0 &&
+           frame.GetFrameLength() == av_rescale(count, 1000, frame.GetSampleInfo().rate) &&
            std::all_of(samples, samples + frame.GetSampleCount(),
                        [](int sample) { return std::abs(sample) < 1500; });
 }
@@ -121,12 +123,18 @@ private:
     std::vector<std::uint8_t> data;
 };
 
+/// Damages the packet of that number in its stream.
+using Damage = void (*)(int number, std::vector<std::uint8_t>& packet);
+
 class ForeignStream : public Modules::CoderStream<Proc::ICodedStream> {
 public:
-    ForeignStream(Pointer<Proc::ICodedStream> source, bool isGarbled)
-        : CoderStream(source, "foreign"), source(std::move(source)), isGarbled(isGarbled) {}
+    explicit ForeignStream(Pointer<Proc::ICodedStream> source, Damage damage = nullptr)
+        : CoderStream(source, "foreign"),
+          source(std::move(source)),
+          damage(damage),
+          format(this->source->GetCodecFormat()) {}
     Proc::MediaKind GetMediaKind() const override { return source->GetMediaKind(); }
-    Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return source->GetCodecFormat(); }
+    Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return format; }
 
 protected:
     Pointer<Proc::IData> MakeNext() override {
@@ -135,8 +143,8 @@ protected:
             return {};
         }
         std::vector<std::uint8_t> data(packet->GetData(), packet->GetData() + packet->GetSize());
-        if (isGarbled) {
-            std::fill(data.begin(), data.end(), std::uint8_t{0xA5});
+        if (damage != nullptr) {
+            damage(number++, data);
         }
         return new ForeignPacket(std::move(data));
     }
@@ -144,32 +152,83 @@ protected:
 
 private:
     Pointer<Proc::ICodedStream> source;
-    bool isGarbled;
+    Damage damage;
+    Pointer<Proc::IFormatCodec> format;
+    int number = 0;
 };
 
 TEST(FfmpegCodecs, DecodesStreamsThatAreNotLibavs) {
     for (const char* id : {"CODEC_ID_H264", "CODEC_ID_VP9", "CODEC_ID_AAC", "CODEC_ID_VORBIS"}) {
-        EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode(id), false))), "") << id;
+        EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode(id)))), "") << id;
     }
 }
 
 TEST(FfmpegCodecs, FailureSaysWhatLibavLogged) {
-    EXPECT_THAT(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), true))),
+    const Damage garble = [](int, std::vector<std::uint8_t>& packet) {
+        std::fill(packet.begin(), packet.end(), std::uint8_t{0xA5});
+    };
+    EXPECT_THAT(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), garble))),
                 testing::StartsWith("Decoder png: decoding: Invalid data found when processing "
                                     "input; libav logged: Invalid PNG signature"));
 }
 
-TEST(FfmpegCodecs, NoOutputIsAFailure) {
+TEST(FfmpegCodecs, DecodesOnOverACutFrame) {
+    const Damage cutFirst = [](int number, std::vector<std::uint8_t>& packet) {
+        if (number == 0) {
+            packet.erase(packet.begin(), packet.begin() + packet.size() / 2);
+        }
+    };
+    EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_AC3"), cutFirst))), "");
+}
+
+/// The text with which it fails, empty if it doesn't.
+template <class Action>
+std::string FailureOf(Action action) {
+    try {
+        action();
+        return {};
+    } catch (const Exception& failure) {
+        return failure.what();
+    }
+}
+
+TEST(FfmpegCodecs, NoOutputIsAFailureAfterEachStart) {
     const auto input = Encode("CODEC_ID_MP2");
     const auto decoder = Decode(input);
+    EXPECT_TRUE(decoder->ReadNext());
+    decoder->Seek(0, {});
     while (input->ReadNext()) {
     }
-    EXPECT_THROW(
-        try { decoder->ReadNext(); } catch (const Exception& failure) {
-            EXPECT_STREQ(failure.what(), "Decoder mp2: gave no output");
-            throw;
-        },
-        Exception);
+    EXPECT_EQ(FailureOf([&] { decoder->ReadNext(); }), "Decoder mp2: gave no output");
+    input->Seek(1'000'000, {});
+    EXPECT_EQ(FailureOf([&] { input->ReadNext(); }), "Encoder mp2: gave no output");
+}
+
+TEST(FfmpegCodecs, FormatSaysWhatTheFramesAre) {
+    const Proc::ColorSpace wide{9, 16, 9};  // BT.2020 with PQ
+    const struct {
+        const char* id;
+        const char* source;
+        Proc::PixFmt pixelFormat;
+    } rows[] = {{"CODEC_ID_H264", ImplNames::FFMPEG, Proc::PixFmt::Yuv420p},
+                {"CODEC_ID_RAWVIDEO", ImplNames::NVDEC, Proc::PixFmt::Nv12}};
+    for (const auto& row : rows) {
+        const Pointer<Core::Utils::FakeStreamVideo> source(
+            new Core::Utils::FakeStreamVideo(row.source, row.id));
+        source->GetFormatCodec()->SetColorSpace(wide);
+        const auto decoder = boost::dynamic_pointer_cast<Proc::IStreamVideo>(
+            Decode(Encode(row.id, source, ImplNames::FFMPEG)));
+        const auto frame = decoder->GetNextFrame();
+        EXPECT_EQ(frame->GetPixelFormat(), row.pixelFormat) << row.id;
+        EXPECT_EQ(frame->GetFrameLength(), 40) << row.id;
+        EXPECT_EQ(decoder->GetFormatCodec()->GetPixelFormat(), row.pixelFormat) << row.id;
+        for (const Proc::ColorSpace& space :
+             {frame->GetColorSpace(), decoder->GetFormatCodec()->GetColorSpace()}) {
+            EXPECT_EQ(space.primaries, wide.primaries) << row.id;
+            EXPECT_EQ(space.transfer, wide.transfer) << row.id;
+            EXPECT_EQ(space.matrix, wide.matrix) << row.id;
+        }
+    }
 }
 
 TEST(FfmpegCodecs, RefusesAbsurdFormats) {
@@ -186,16 +245,18 @@ TEST(FfmpegCodecs, RefusesAbsurdFormats) {
         const Pointer<Core::Utils::FakeStreamVideo> source(
             new Core::Utils::FakeStreamVideo(ImplNames::FFMPEG, "CODEC_ID_MPEG4"));
         row.spoil(*source->GetFormatCodec());
-        try {
-            Encode("CODEC_ID_MPEG4", source, ImplNames::FFMPEG);
-            ADD_FAILURE() << row.text;
-        } catch (const Exception& failure) {
-            EXPECT_THAT(failure.what(), HasSubstr(row.text));
-        }
+        EXPECT_THAT(FailureOf([&] { Encode("CODEC_ID_MPEG4", source, ImplNames::FFMPEG); }),
+                    HasSubstr(row.text));
     }
     const Pointer<Core::Utils::FakeStreamAudio> source(new Core::Utils::FakeStreamAudio());
     source->GetFormatCodec()->SetSampleInfo({Proc::SampleFormats::S16, 0});
     EXPECT_THROW(Encode("CODEC_ID_MP2", source, ImplNames::FFMPEG), Exception);
+
+    const Pointer<ForeignStream> coded(new ForeignStream(Encode("CODEC_ID_VP8")));
+    boost::dynamic_pointer_cast<Proc::IFormatCodecVideo>(coded->GetCodecFormat())
+        ->InitByPixelAspect(0, 480, 1, 1);
+    EXPECT_EQ(FailureOf([&] { Decode(coded); }),
+              "Decoder vp8: can't decode pictures of 0 by 480 pixels");
 }
 
 TEST(NvdecCodecs, SaysWhyWithoutAGpu) {

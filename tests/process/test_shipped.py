@@ -54,6 +54,23 @@ def test_common_codecs_and_their_module_disabled(shipped):
     assert disabled.of("TESTED_CODECS") == ["true"]
 
 
+def test_a_sample_of_another_codec_is_no_input(installation):
+    installation.add_shipped("CodecFactory", "FfmpegCodecs")
+    installation.add_shipped("ParserFactory", "FfmpegParsers")
+    samples = installation.directory / "resources" / "codecSamples"
+    samples.mkdir(parents=True)
+    (samples / "CODEC_ID_MP3.h264").symlink_to(APP / "resources" / "codecSamples" / "CODEC_ID_H264.h264")
+    result = installation.run("codecs", "60", FFMPEG, ids(["MP3"]))
+    assert result.of("ERROR") == ["CODEC_ID_MP3 stream not found"], result
+
+
+def test_a_last_failed_test_is_left_out_in_its_implementation_alone(shipped):
+    last = f"Decoder.{FFMPEG}.CODEC_ID_H264"
+    result = shipped.run("codecs", "60", f"{FFMPEG},{NVDEC}", ids(["H264"]), *"----", last)
+    tested = {f"{kind}.{impl}.CODEC_ID_H264" for kind in ("Decoder", "Encoder") for impl in (FFMPEG, NVDEC)}
+    assert set(result.of("TEST_CODEC")) == tested - {last}, result
+
+
 @pytest.mark.skipif(Path("/dev/nvidia0").exists(), reason="there is a GPU")
 def test_without_a_gpu_its_codecs_are_broken(shipped):
     result = shipped.run("codecs", "60", NVDEC, ids(["H264"]))

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "parent/Item.h"
+
+namespace Tarnex::Parent {
+
+struct CheckOptions {
+    bool plugins = false;
+    bool codecs = false;
+    std::filesystem::path application;         ///< the installation directory
+    std::vector<std::string> pluginNames;      ///< empty: all
+    std::vector<std::string> implementations;  ///< empty: all
+    std::vector<std::string> codecIds;         ///< empty: all
+    std::chrono::seconds itemTime{20};
+    unsigned int jobs = 1;        ///< runs side by side, at least 1
+    std::filesystem::path lists;  ///< folder for the list files that `repro` commands need
+    int stop = -1;                ///< a descriptor; once it is readable the check ends early
+};
+
+/// How a process ended.
+struct ExitStatus {
+    int status;
+};
+struct KilledBy {
+    std::string signal;  ///< its name, "SIGSEGV"
+};
+struct OverDeadline {
+    double seconds;
+};
+using RunEnd = std::variant<ExitStatus, KilledBy, OverDeadline>;
+
+/// One process that the check started.
+struct RunFacts {
+    std::vector<std::string> arguments;  ///< without the program
+    RunEnd end;
+    double seconds;
+};
+
+/// What the helper program says of the media core.
+struct Listing {
+    /// Codec ids by implementation and coder type ("Decoder", "Encoder"), in the core's order.
+    std::map<std::string, std::map<std::string, std::vector<std::string>>> codecs;
+    std::vector<std::string>
+        files;  ///< mapped in its process after the modules listed their codecs
+};
+
+struct Progress {
+    std::string_view phase;  ///< "plugins", "codecs", "trials", "company"
+    std::size_t done;        ///< items decided in this phase
+    std::size_t total;
+    std::string_view touched;        ///< an item that is open; empty if none is known
+    std::chrono::milliseconds open;  ///< for how long
+};
+
+/// Is told what happens, on the thread that called `RunCheck`. Must not throw.
+class CheckListener {
+public:
+    virtual ~CheckListener() = default;
+    /// An item's verdict is final. Called once for each item.
+    virtual void OnVerdict(const Item& item) = 0;
+    /// Called several times a second while runs are under way.
+    virtual void OnProgress(const Progress& progress) = 0;
+    /// What a run wrote on standard error, as it arrives; `run` is its index in
+    /// `CheckResult::runs`.
+    virtual void OnOutput(std::size_t run, std::string_view bytes) = 0;
+    /// The codecs are known. May decide items (`carried`): what isn't `NotReached` isn't tested.
+    virtual void OnListing(const Listing& listing, std::vector<Item>& codecs) = 0;
+};
+
+struct CheckResult {
+    bool complete = false;
+    std::string problem;             ///< why not; empty if complete
+    std::vector<std::string> notes;  ///< what a person should know and no item holds
+    std::vector<Item> items;         ///< plugins in the order of the check, then codecs by name
+    std::vector<RunFacts> runs;      ///< in the order of start
+};
+
+/// The plugins of an installation in the order of the check, `OglManager` first, each name once,
+/// with the resolved path of its file (`file.path` alone) or the verdict `Missing`. Throws
+/// `Tarnex::Exception` if plugins.list can't be read.
+std::vector<Item> ListPlugins(const std::filesystem::path& application);
+
+/// Checks an installation; see the options. `plugins` is what `ListPlugins` gave; an item that has
+/// a verdict other than `NotReached` (missing, or carried from an earlier report) isn't touched.
+/// Throws `Tarnex::Exception` for a name in the options that there isn't (with those there are), an
+/// installation without Assayer, or a list file that can't be written. What goes wrong with the
+/// program under way stands in the result.
+CheckResult RunCheck(const CheckOptions& options, std::vector<Item> plugins,
+                     CheckListener& listener);
+
+}  // namespace Tarnex::Parent
