@@ -14,7 +14,6 @@
 namespace Tarnex::Proc {
 namespace {
 
-using Core::ModuleFile;
 using Core::SharedLibrary;
 
 bool IsNamed(const LADSPA_Descriptor& filter) {
@@ -54,9 +53,9 @@ void DestroyLibrary(const LV2_Lib_Descriptor* description) {
     }
 }
 
-unsigned CheckLibrary(const SharedLibrary& library, const ModuleFile& file,
+unsigned CheckLibrary(const SharedLibrary& library, const std::string& file,
                       decltype(lv2_lib_descriptor)* describe) {
-    const std::string bundle = std::filesystem::path(file.path).parent_path().string() + "/";
+    const std::string bundle = std::filesystem::path(file).parent_path().string() + "/";
     const LV2_Feature* const noFeatures[] = {nullptr};
     const std::unique_ptr<const LV2_Lib_Descriptor, decltype(&DestroyLibrary)> description(
         describe(bundle.c_str(), noFeatures), DestroyLibrary);
@@ -87,7 +86,7 @@ bool CheckLadspa(const SharedLibrary& library) {
 }
 
 /// False if it isn't of this interface.
-bool CheckLv2(const SharedLibrary& library, const ModuleFile& file) {
+bool CheckLv2(const SharedLibrary& library, const std::string& file) {
     auto* const describe = library.Find<decltype(lv2_descriptor)>("lv2_descriptor");
     auto* const describeLibrary = library.Find<decltype(lv2_lib_descriptor)>("lv2_lib_descriptor");
     if (describe == nullptr && describeLibrary == nullptr) {
@@ -100,10 +99,10 @@ bool CheckLv2(const SharedLibrary& library, const ModuleFile& file) {
     return true;
 }
 
-void Load(const ModuleFile& file) {
+void Load(const Core::ModuleFile& file) {
     const SharedLibrary library(file);
     const bool isLadspa = CheckLadspa(library);
-    const bool isLv2 = CheckLv2(library, file);
+    const bool isLv2 = CheckLv2(library, file.path);
     if (!isLadspa && !isLv2) {
         library.Refuse("no entry point ladspa_descriptor, lv2_descriptor or lv2_lib_descriptor");
     }
@@ -117,7 +116,7 @@ std::vector<std::string> FilterFactory::GetPluginList() {
 
 void FilterFactory::TryToLoadModule(const std::string& plugin) {
     static auto& once = *new Core::LoadOnce();
-    const ModuleFile file = SharedLibrary::FindFile(plugin);
+    const Core::ModuleFile file = SharedLibrary::FindFile(plugin);
     once(file, [&] { Load(file); });
 }
 

@@ -11,7 +11,8 @@ bool IsSingleThreaded() {
 
 EncoderOptions ReadEncoderOptions(const Proc::Property& preset) {
     return {.isFastest = preset.Get(Conf::IPreset::ITEM_SPEED) == Conf::IPreset::SPEED_FASTEST,
-            .isSingleThreaded = IsSingleThreaded()};
+            .isSingleThreaded = IsSingleThreaded(),
+            .own = preset.Get(Conf::IPreset::ITEM_OPTIONS)};
 }
 
 }  // namespace Tarnex::Modules

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "core/media/Property.h"
 #include "core/media/RefCountable.h"
 #include "core/support/Exception.h"
@@ -10,6 +12,7 @@ namespace Tarnex::Modules {
 struct EncoderOptions {
     bool isFastest = false;
     bool isSingleThreaded = false;
+    std::string own;  ///< the library's own options; see `IPreset::ITEM_OPTIONS`
 };
 
 /// Whether the core holds its coders to one thread each.

@@ -11,9 +11,9 @@ AVPixelFormat ToAvFormat(Proc::PixFmt format);
 
 /// The core's frame as libav's. The pixels are shared, not copied. Throws `Tarnex::Exception` for a
 /// frame that has no planes or no known pixel format.
-Handle<AVFrame> ToAvFrame(const Proc::Pointer<Proc::IFrameVideo>& frame);
+[[nodiscard]] Handle<AVFrame> ToAvFrame(const Proc::Pointer<Proc::IFrameVideo>& frame);
 /// The same for sound; the frame must outlive the result.
-Handle<AVFrame> ToAvFrame(const Proc::IFrameAudio& frame);
+[[nodiscard]] Handle<AVFrame> ToAvFrame(const Proc::IFrameAudio& frame);
 
 struct PictureForm {
     AVPixelFormat format;
@@ -27,7 +27,7 @@ public:
     explicit PictureConverter(CoderLog& log) : log(log) {}
 
     /// The picture in that form; itself where it has it.
-    Handle<AVFrame> Convert(Handle<AVFrame> picture, const PictureForm& form);
+    [[nodiscard]] Handle<AVFrame> Convert(Handle<AVFrame> picture, const PictureForm& form);
 
 private:
     CoderLog& log;
@@ -40,8 +40,8 @@ public:
     explicit SoundConverter(CoderLog& log) : log(log) {}
 
     /// The sound in that form, without what the resampler keeps back.
-    Handle<AVFrame> Convert(const AVFrame& sound, AVSampleFormat format, int rate,
-                            const AVChannelLayout& layout);
+    [[nodiscard]] Handle<AVFrame> Convert(const AVFrame& sound, AVSampleFormat format, int rate,
+                                          const AVChannelLayout& layout);
 
 private:
     CoderLog& log;

@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "core/media/FrameTiming.h"
+#include "modules/common/CoderStream.h"
 #include "modules/libav/Conversion.h"
+#include "modules/libav/FrameDecoder.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "modules/libav/CodecTable.h"
 #include "modules/libav/Packet.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 
@@ -11,10 +12,10 @@ using Proc::Pointer;
 
 Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream,
                  Modules::EncoderOptions options)
-    : CodedStream(stream, codec.name),
+    : CoderStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakePictureInput(std::move(stream), log)) {
     Open();
@@ -22,10 +23,10 @@ Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream,
 
 Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamAudio> stream,
                  Modules::EncoderOptions options)
-    : CodedStream(stream, codec.name),
+    : CoderStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakeSoundInput(std::move(stream), log)) {
     Open();
@@ -50,6 +51,7 @@ void Encoder::Open() {
     if (options.isFastest) {
         SetOptions(traits.fastest);
     }
+    SetOptions(options.own.c_str());
     log.Check(avcodec_open2(coder.get(), &codec, nullptr), "opening");
 
     parameters = Own(avcodec_parameters_alloc());

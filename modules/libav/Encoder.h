@@ -4,14 +4,14 @@
 #include <string>
 
 #include "modules/common/EncoderOptions.h"
+#include "modules/libav/CodedStream.h"
 #include "modules/libav/EncoderInput.h"
-#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 
 /// An encoder of libavcodec. Its packets are in the form in which a parser of files would deliver
 /// them, so that decoders need not know where a stream comes from. Thread-bound.
-class Encoder : public CodedStream {
+class Encoder : public Modules::CoderStream<Proc::ICodedStream, CodedStream> {
 public:
     /// Throws `Tarnex::Exception` with the reason if the encoder can't be opened.
     Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamVideo> stream,

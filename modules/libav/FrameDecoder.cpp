@@ -1,8 +1,9 @@
-#include "modules/libav/Decoder.h"
+#include "modules/libav/FrameDecoder.h"
 
 #include <string>
 
 #include "core/support/Exception.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 namespace {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "modules/libav/CodecTable.h"
+#include "modules/libav/CodedStream.h"
 #include "modules/libav/Packet.h"
 
 namespace Tarnex::Libav {

@@ -6,8 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "core/support/Exception.h"
-#include "modules/common/CoderStream.h"
+#include "core/media/StreamBase.h"
 #include "tests/modules/Coders.h"
 
 namespace {
@@ -32,22 +31,10 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* IMPLEMENTATION = Proc::ImplNames::MEDIA_FOUNDATION;
 
-class Packet : public Proc::RefCounted<Proc::IPacket> {
-public:
-    explicit Packet(Bytes data) : data(std::move(data)) {}
-    const std::uint8_t* GetData() const override { return data.data(); }
-    std::size_t GetSize() const override { return data.size(); }
-    std::int64_t GetTime() const override { return 0; }
-    bool IsKey() const override { return true; }
-
-private:
-    Bytes data;
-};
-
 /// A coded stream of three packets that no decoder can make anything of.
-class Garbage : public Modules::CoderStream<Proc::ICodedStream> {
+class Garbage : public Proc::StreamBase<Proc::ICodedStream> {
 public:
-    Garbage(const std::string& codecId, const Bytes& extraData) : CoderStream(nullptr, "Garbage") {
+    Garbage(const std::string& codecId, const Bytes& extraData) : StreamBase("Garbage") {
         if (Proc::IsVideoCodec(codecId)) {
             const auto video = Proc::IFormatCodecVideo::Create();
             video->InitByPixelAspect(352, 288, 1, 1);
@@ -78,35 +65,25 @@ public:
         format->SetCodecID(codecId);
     }
 
-protected:
-    Proc::Pointer<Proc::IData> MakeNext() override {
+    std::int64_t GetDuration() const override { return 0; }
+    std::int64_t GetPosition() const override { return 0; }
+    void Seek(std::int64_t, Proc::Pointer<Proc::IRefCountable>) override {}
+    Proc::Pointer<Proc::IData> ReadNext() override {
         if (packets == 0) {
             return nullptr;
         }
         --packets;
-        return new Packet(Bytes(1000, 0xFF));
+        return new ForeignPacket(Bytes(1000, 0xFF));
     }
-    void Restart() override {}
 
 private:
     Proc::Pointer<Proc::IFormatCodec> format;
     int packets = 3;
 };
 
-/// The text with which it fails, empty if it doesn't.
-template <class Action>
-std::string FailureOf(Action action) {
-    try {
-        action();
-        return {};
-    } catch (const Exception& exception) {
-        return exception.what();
-    }
-}
-
 /// The failure text of a decoder that reads garbage, empty if it takes it.
 std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
-    return FailureOf([&] { Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext(); });
+    return ThrownBy([&] { Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext(); });
 }
 
 [[noreturn]] void UseFrameworkForTheFirstTime() {
@@ -142,7 +119,7 @@ TEST(FrameworkDeathTest, StartsWhenItIsAskedAndKeepsQuiet) {
         failAll = failAll && DecodeGarbage(id, {}) == reason;
     }
     for (const std::string& id : encoders) {
-        failAll = failAll && FailureOf([&] { Encode(id, IMPLEMENTATION); }) == reason;
+        failAll = failAll && ThrownBy([&] { Encode(id, IMPLEMENTATION); }) == reason;
     }
     std::_Exit(failAll ? 0 : 1);
 }
@@ -188,13 +165,13 @@ TEST(Framework, AbsurdStreamsAreRefused) {
         {"CODEC_ID_OPUS", nullptr, "There is no stream to encode"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(FailureOf([&] { Encode(row.id, row.stream, IMPLEMENTATION); }), row.text);
+        EXPECT_EQ(ThrownBy([&] { Encode(row.id, row.stream, IMPLEMENTATION); }), row.text);
     }
     const char* const undecodable = " was given a stream without size, rate or channels";
     for (const std::string id : {"CODEC_ID_VP8", "CODEC_ID_OPUS"}) {
         const Proc::Pointer<Garbage> input(new Garbage(id, {}));
         input->ForgetForm();
-        EXPECT_EQ(FailureOf([&] { Decode(input, IMPLEMENTATION); }),
+        EXPECT_EQ(ThrownBy([&] { Decode(input, IMPLEMENTATION); }),
                   "The decoder of " + id + undecodable);
     }
 }
