@@ -35,11 +35,7 @@ public:
     ~Node() { serd_node_free(&node); }
 
     const SerdNode* Get() const { return &node; }
-    std::string ToText() const {
-        return node.buf == nullptr
-                   ? ""
-                   : std::string(reinterpret_cast<const char*>(node.buf), node.n_bytes);
-    }
+    std::string ToText() const { return {reinterpret_cast<const char*>(node.buf), node.n_bytes}; }
 
 private:
     SerdNode node;
@@ -102,23 +98,31 @@ private:
         return SERD_SUCCESS;
     }
 
-    /// Keeps the first: others follow from it.
     static SerdStatus OnError(void* handle, const SerdError* problem) {
         std::array<char, 200> words{};
         std::vsnprintf(words.data(), words.size(), problem->fmt, *problem->args);
-        std::string& error = Self(handle).error;
-        if (error.empty()) {
-            error = "line " + std::to_string(problem->line) + ": " + words.data();
-            error.erase(error.find_last_not_of('\n') + 1);
-        }
+        Self(handle).Remember("line " + std::to_string(problem->line) + ": " + words.data());
         return SERD_SUCCESS;
     }
 
-    /// The text of what isn't short for a URI stays as it is.
-    std::string Expand(const SerdNode* node) const {
+    /// Keeps the first: others follow from it.
+    void Remember(const std::string& problem) {
+        if (error.empty()) {
+            error = problem.substr(0, problem.find('\n'));
+        }
+    }
+
+    /// The whole URI; a node of another kind stays as it is.
+    std::string Expand(const SerdNode* node) {
         const Node expanded(serd_env_expand_node(env.get(), node));
-        return expanded.Get()->buf == nullptr ? Node(serd_node_copy(node)).ToText()
-                                              : expanded.ToText();
+        if (expanded.Get()->buf != nullptr) {
+            return expanded.ToText();
+        }
+        const std::string text = Node(serd_node_copy(node)).ToText();
+        if (node->type == SERD_CURIE) {
+            Remember("undefined prefix of " + text);
+        }
+        return text;
     }
 
     Node uri;
