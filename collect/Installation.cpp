@@ -21,9 +21,8 @@ bool IsKindOfOthers(const std::string& factory) {
     return std::ranges::count(MODULE_KINDS, factory, &ModuleKind::factory) > 0;
 }
 
-// The file's name with what a plugin name can't hold replaced.
-std::string MakePluginName(const fs::path& path) {
-    std::string name = path.stem().string();
+// Replaces what a plugin name can't hold.
+std::string MakePluginName(std::string name) {
     std::ranges::replace_if(
         name,
         [](unsigned char byte) {
@@ -100,7 +99,7 @@ private:
     }
 
     std::string ChooseName(const FoundModule& module) {
-        const std::string wanted = MakePluginName(module.path);
+        const std::string wanted = MakePluginName(module.name);
         std::string name = wanted;
         for (int number = 2; !IsFree(name, module.path); ++number) {
             name = wanted + "-" + std::to_string(number);

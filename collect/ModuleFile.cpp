@@ -121,7 +121,9 @@ ModuleFile ReadModuleFile(const boost::filesystem::path& path) {
     RequireLoadable(ReadHeader(elf.get()));
     const std::set<std::string> exports = ReadExports(elf.get());
     for (const ModuleKind& kind : MODULE_KINDS) {
-        if (exports.contains(std::string(kind.entryPoint))) {
+        if (std::ranges::any_of(kind.entryPoints, [&](std::string_view name) {
+                return !name.empty() && exports.contains(std::string(name));
+            })) {
             module.kinds.push_back(&kind);
         }
     }
