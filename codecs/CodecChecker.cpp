@@ -1,23 +1,40 @@
 #include "codecs/CodecChecker.h"
 
 #include <algorithm>
-#include <mutex>
 #include <thread>
+#include <utility>
 
 #include "codecs/CodecTest.h"
 #include "core/media/CoreManager.h"
 #include "core/support/Constants.h"
+#include "core/support/Mutex.h"
 #include "core/support/Text.h"
 #include "reporting/Logging.h"
 
 namespace Tarnex::Core::Utils {
 
-/// The test of one codec with its lines and its entry in the results of the pass. The mutex and the
-/// results belong to the pass, which outlives its tasks.
+/// The results of a round, which outlives its tasks. Thread-safe.
+class CodecChecker::Results {
+public:
+    void Add(const CodecConfig& config, const std::string& error) {
+        const Lock lock(mutex);
+        results[config.GetImplementation()].push_back({config.GetCodecId(), error});
+    }
+
+    ResultsByImplementation Take() {
+        const Lock lock(mutex);
+        return std::move(results);
+    }
+
+private:
+    Mutex mutex;
+    ResultsByImplementation results TARNEX_GUARDED_BY(mutex);
+};
+
+/// The test of one codec with its records and its result.
 struct CodecChecker::CheckTask {
     CodecConfig config;
-    std::mutex& mutex;
-    ResultsByImplementation& results;
+    Results& results;
 
     void operator()() const {
         LogTagged(TEST_CODEC_TAG, config.GetID());
@@ -26,8 +43,7 @@ struct CodecChecker::CheckTask {
             LogTagged(ERROR_TAG, error);
             LogTagged(CODECS_TAG, config.GetID());
         }
-        const std::lock_guard lock(mutex);
-        results[config.GetImplementation()].push_back({config.GetCodecId(), error});
+        results.Add(config, error);
     }
 };
 
@@ -129,17 +145,15 @@ bool CodecChecker::IsKnownBroken(const CodecConfig& config) const {
 }
 
 CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) {
-    ResultsByImplementation results;
-    std::mutex mutex;
+    Results results;
     const auto reportKnownBroken = [&](const CodecConfig& config) {
         const std::string message = config.GetID() + ": \nTest Error\n";
         LogTagged(ERROR_TAG, message);
         LogTagged(CODECS_TAG, config.GetID());
-        const std::lock_guard lock(mutex);  // Tests of this pass may be running already.
-        results[config.GetImplementation()].push_back({config.GetCodecId(), message});
+        results.Add(config, message);
     };
     const auto check = [&](const CodecConfig& config) {
-        const CheckTask task{config, mutex, results};
+        const CheckTask task{config, results};
         if (IsKnownBroken(config)) {
             reportKnownBroken(config);
         } else if (useMultithreading) {
@@ -161,7 +175,7 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
     if (useMultithreading) {
         threadPool.Stop();
     }
-    return results;
+    return results.Take();
 }
 
 CodecLists CodecChecker::CollectBrokenCodecs(CoderType type,

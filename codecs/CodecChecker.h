@@ -39,7 +39,7 @@ public:
     /// Each test is named by a tagged line before it begins and each finding written when it is
     /// made. The result is the broken codecs by black-list option key. What a test throws is a
     /// finding; what anything else throws passes through.
-    CodecLists Check();
+    [[nodiscard]] CodecLists Check();
 
     /// The failure texts of `Check`.
     std::string GetErrorInfo() const { return errorInfo; }
@@ -56,6 +56,7 @@ private:
 
     enum class CodecListKey { ByImplementation, ByBlackListOption };
 
+    class Results;
     struct CheckTask;
 
     CodecLists GetVerifiableCodecs(CoderType type, CodecListKey keyKind) const;

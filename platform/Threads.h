@@ -22,7 +22,7 @@ public:
     void Wait();
 
     /// False if there was no post until then.
-    bool WaitUntil(std::chrono::steady_clock::time_point time);
+    [[nodiscard]] bool WaitUntil(std::chrono::steady_clock::time_point time);
 
 private:
     sem_t semaphore;

@@ -17,11 +17,12 @@ namespace Tarnex::Core::Utils {
 ///
 /// False if there is no place for the files: LOCALAPPDATA isn't set, the directory can't be made,
 /// or the names would be too long. All lines go to standard error then, and nowhere else.
-bool InitLogging(const std::string& productName, std::int32_t minSeverity, std::int64_t maxAgeDays);
+[[nodiscard]] bool InitLogging(const std::string& productName, std::int32_t minSeverity,
+                               std::int64_t maxAgeDays);
 
 /// The same for a wide name.
-bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
-                 std::int64_t maxAgeDays);
+[[nodiscard]] bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
+                               std::int64_t maxAgeDays);
 
 /// Writes what is buffered: the lines of INFO severity and the INFO file's copies of the others.
 /// Takes glog's lock, which a thread that was stopped may hold for good.

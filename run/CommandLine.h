@@ -8,6 +8,6 @@ namespace Tarnex::Core::Utils {
 /// are refused, with the reason on the log (on standard output if there are no arguments at all);
 /// then `config` is as it was. Throws `std::invalid_argument` or `std::out_of_range` for a time-out
 /// that is no number, `Tarnex::Exception` for an unknown check type or a malformed list file.
-bool ParseCommandLine(int argc, char** argv, Config& config);
+[[nodiscard]] bool ParseCommandLine(int argc, char** argv, Config& config);
 
 }  // namespace Tarnex::Core::Utils

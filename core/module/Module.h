@@ -20,7 +20,7 @@
 namespace Tarnex::Module {
 
 /// Goes up with every change of a type that crosses the border.
-inline constexpr std::uint32_t VERSION = 1;
+inline constexpr std::uint32_t VERSION = 2;
 
 /// The coders of one implementation. Thread-safe.
 class TARNEX_TYPE ICodecModule {

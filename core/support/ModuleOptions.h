@@ -22,7 +22,7 @@ using OptionLists = std::map<std::string, std::vector<std::string>>;
 /// lines that begin with "#" are skipped, every other line is "key: value, value, ...". Keys and
 /// values are trimmed, empty values dropped, a key that comes again adds to its list.
 /// Whatever else it meets is a `Tarnex::Exception` whose text names the file and the line.
-OptionLists LoadFromFile(const ioPath& path, FormatType format);
+[[nodiscard]] OptionLists LoadFromFile(const ioPath& path, FormatType format);
 
 /// The lists as lines of a list file. Throws `Tarnex::Exception` for a key without the form's mark.
 std::string ModuleOptionsToString(const OptionLists& lists, FormatType format);
