@@ -136,7 +136,7 @@ private:
         if (expanded.Get()->buf != nullptr) {
             return expanded.ToText();
         }
-        const std::string text = Node(serd_node_copy(node)).ToText();
+        std::string text = Node(serd_node_copy(node)).ToText();
         if (node->type == SERD_CURIE) {
             Remember("undefined prefix of " + text);
         }
