@@ -5,10 +5,11 @@
 #include <serd/serd.h>
 
 #include <array>
+#include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -51,6 +52,22 @@ struct Subject {
     bool isUserInterface = false;
 };
 
+// The library stops at a NUL byte, and reads what is nested by recursion. Brackets in texts and
+// comments count too: the bound is far above what manifests have.
+void RequireReadable(const std::string& text) {
+    constexpr int MAX_DEPTH = 1000;
+    int depth = 0;
+    for (const char byte : text) {
+        depth += byte == '[' || byte == '('                  ? 1
+                 : (byte == ']' || byte == ')') && depth > 0 ? -1
+                                                             : 0;
+        if (byte == '\0' || depth > MAX_DEPTH) {
+            throw Exception(byte == '\0' ? "its manifest.ttl holds a NUL byte"
+                                         : "its manifest.ttl is nested too deeply");
+        }
+    }
+}
+
 class ManifestReader {
 public:
     explicit ManifestReader(const fs::path& path)
@@ -62,8 +79,9 @@ public:
         serd_reader_set_error_sink(reader.get(), OnError, this);
     }
 
-    void Read() {
-        const SerdStatus status = serd_reader_read_file(reader.get(), Bytes(uri.ToText()));
+    void Read(const std::string& text) {
+        RequireReadable(text);
+        const SerdStatus status = serd_reader_read_string(reader.get(), Bytes(text));
         if (status != SERD_SUCCESS && error.empty()) {
             error = reinterpret_cast<const char*>(serd_strerror(status));
         }
@@ -118,7 +136,7 @@ private:
         if (expanded.Get()->buf != nullptr) {
             return expanded.ToText();
         }
-        const std::string text = Node(serd_node_copy(node)).ToText();
+        std::string text = Node(serd_node_copy(node)).ToText();
         if (node->type == SERD_CURIE) {
             Remember("undefined prefix of " + text);
         }
@@ -152,8 +170,17 @@ std::set<fs::path> ReadBundle(const fs::path& bundle) {
     if (!fs::is_regular_file(path, error)) {
         throw Exception("a bundle without the file manifest.ttl");
     }
-    ManifestReader reader(path);
-    reader.Read();
+    fs::ifstream file(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file) {
+        throw Exception("its manifest.ttl can't be read");
+    }
+    return ReadManifest(text, bundle);
+}
+
+std::set<fs::path> ReadManifest(const std::string& text, const fs::path& bundle) {
+    ManifestReader reader(bundle / MANIFEST.data());
+    reader.Read(text);
     std::set<fs::path> files;
     for (const auto& [name, subject] : reader.subjects) {
         for (const std::string& binary : subject.binaries) {

@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/path.hpp>
 #include <set>
+#include <string>
 
 namespace Tarnex::Collect {
 
@@ -13,5 +14,9 @@ bool IsBundle(const boost::filesystem::path& folder);
 /// their own. Throws `Tarnex::Exception` with the reason, without the path, if the manifest can't
 /// be read or isn't Turtle.
 std::set<boost::filesystem::path> ReadBundle(const boost::filesystem::path& bundle);
+
+/// The same from the manifest's text.
+std::set<boost::filesystem::path> ReadManifest(const std::string& text,
+                                               const boost::filesystem::path& bundle);
 
 }  // namespace Tarnex::Collect

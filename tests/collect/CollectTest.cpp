@@ -38,7 +38,7 @@ protected:
                              "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n" +
                                  manifest);
         for (const std::string& file : files) {
-            Put(name + "/" + file, &BUNDLED);
+            Put((fs::path(name) / file).string(), &BUNDLED);
         }
     }
     void PutDamaged(const std::string& name, std::size_t offset, char byte, std::size_t size) {
