@@ -12,8 +12,8 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The test of one codec with its lines and its entry in the results of the pass. The mutex and the
-/// results belong to the pass, which outlives its tasks.
+/// Tests one codec, logs its records, and adds the outcome to the round's results. The round owns
+/// the mutex and the results and outlives its tasks.
 struct CodecChecker::CheckTask {
     CodecConfig config;
     std::mutex& mutex;
@@ -59,7 +59,7 @@ void CodecChecker::SetLastFailedCodecsTest(const std::string& ids) {
 CodecLists CodecChecker::Check() {
     errorInfo.clear();
     CodecLists broken;
-    for (const CoderType type : ChoosePasses()) {
+    for (const CoderType type : ChooseRounds()) {
         const CodecLists found = CollectBrokenCodecs(type, CheckRunner(type));
         broken.insert(found.begin(), found.end());
     }
@@ -73,7 +73,7 @@ CodecLists CodecChecker::GetAllCodecsByOption() const {
     return all;
 }
 
-std::vector<CoderType> CodecChecker::ChoosePasses() const {
+std::vector<CoderType> CodecChecker::ChooseRounds() const {
     const bool onlyEncodersFailed =
         !lastFailedCodecsTest.empty() &&
         std::all_of(
@@ -132,10 +132,11 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
     ResultsByImplementation results;
     std::mutex mutex;
     const auto reportKnownBroken = [&](const CodecConfig& config) {
+        // Contract: parents match this text; keep it verbatim.
         const std::string message = config.GetID() + ": \nTest Error\n";
         LogTagged(ERROR_TAG, message);
         LogTagged(CODECS_TAG, config.GetID());
-        const std::lock_guard lock(mutex);  // Tests of this pass may be running already.
+        const std::lock_guard lock(mutex);  // Tests of this round may already be running.
         results[config.GetImplementation()].push_back({config.GetCodecId(), message});
     };
     const auto check = [&](const CodecConfig& config) {
@@ -155,7 +156,7 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
             }
         }
     } catch (...) {
-        threadPool.Stop();  // No task may outlive what it refers to.
+        threadPool.Stop();  // The tasks refer to local variables.
         throw;
     }
     if (useMultithreading) {

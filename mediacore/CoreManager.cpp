@@ -28,7 +28,7 @@ public:
                     bool /*startModules*/) override {
         const std::lock_guard lock(mutex);
         if (start.valid()) {
-            throw Exception("The media core is started already");
+            throw Exception("The media core is already started");
         }
         start = std::async(std::launch::async, [=, this, disabled = GetDisabledPlugins(options)] {
             SetModules(std::make_shared<const StartedModules>(StartModules(disabled)));
@@ -43,7 +43,7 @@ public:
         const std::shared_future<void> starting = start;
         lock.unlock();
         if (!starting.valid()) {
-            throw Exception("The media core isn't being started");
+            throw Exception("The media core hasn't been started");
         }
         starting.get();
     }
@@ -55,7 +55,7 @@ public:
     Proc::Pointer<Proc::ICodecFactory> GetCodecFactory() override {
         const auto started = GetModules();
         if (!started) {
-            throw Exception("The media core isn't up, so there is no codec factory");
+            throw Exception("The media core isn't started, so there is no codec factory");
         }
         return CreateCodecFactory(started);
     }
@@ -85,10 +85,10 @@ private:
         std::make_shared<ComputingResourceManager>();
     mutable std::mutex mutex;
     std::shared_future<void> start;                 // guarded by mutex
-    std::shared_ptr<const StartedModules> modules;  // guarded by mutex, set while the core is up
+    std::shared_ptr<const StartedModules> modules;  // guarded by mutex; null unless started
 };
 
-/// Never destroyed: the watch-dog may end the process while other threads are in the core.
+/// Never freed: the watch-dog may end the process while other threads are in the core.
 ModuleCoreManager& GetManager() {
     static ModuleCoreManager& manager = *new ModuleCoreManager();
     return manager;
