@@ -99,6 +99,9 @@ bool Run::Advance() {
         Finish(*report);
         return true;
     }
+    if (errorPipe < 0 && !job.watch.Open().empty()) {  // Nothing can be learned any more.
+        process.End();
+    }
     if (!late && Clock::now() >= deadline) {
         late = true;
         deadline = Clock::time_point::max();
@@ -145,7 +148,7 @@ void Run::Finish(const Platform::ProcessReport& report) {
     RunFacts& facts = session.result.runs[index];
     facts.end = ToEnd(report);
     facts.seconds = Core::Utils::ToFPSeconds(report.time - started);
-    job.watch.End(facts.end, report.time);
+    job.watch.End(late || !report.ended ? FromEnd(facts.end) : ClosedError(), report.time);
 }
 
 RunEnd Run::ToEnd(const Platform::ProcessReport& report) const {

@@ -17,6 +17,9 @@ constexpr std::string_view LISTED_TEXT = ": \nTest Error\n";
 /// The text of a decoder test without input.
 constexpr std::string_view NO_INPUT_TEXT = " stream not found";
 
+/// A short run ends by itself before that is noticed, with a status like any other.
+constexpr char CLOSED_ERROR[] = "standard error closed";
+
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
@@ -47,13 +50,18 @@ Attempt FromEnd(const RunEnd& end) {
     return std::visit(EndToAttempt{}, end);
 }
 
+Attempt ClosedError() {
+    return {Verdict::Ended, CLOSED_ERROR, {}, 0};
+}
+
 Attempt MakeFailure(const std::string& text) {
     return {Verdict::Failed, FirstLine(text), text, 0};
 }
 
 bool IsSame(const Attempt& left, const Attempt& right) {
     return left.verdict == right.verdict &&
-           (left.verdict != Verdict::Ended || left.reason == right.reason);
+           (left.verdict != Verdict::Ended || left.reason == right.reason ||
+            left.reason == CLOSED_ERROR || right.reason == CLOSED_ERROR);
 }
 
 void Judge(Item& item, const Attempt& seen, const Attempt& alone) {
@@ -84,10 +92,10 @@ bool Watch::Take(const Record& record, Clock::time_point now) {
     return record.tag == STATISTICS_TAG && finished;
 }
 
-void Watch::End(const RunEnd& end, Clock::time_point now) {
+void Watch::End(Attempt attempt, Clock::time_point now) {
     if (!open.empty()) {
         culprit = open;
-        Add(FromEnd(end), now);
+        Add(std::move(attempt), now);
     }
 }
 

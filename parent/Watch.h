@@ -23,6 +23,9 @@ struct Attempt {
 /// Of the item that was open when a run ended.
 Attempt FromEnd(const RunEnd& end);
 
+/// Of an item that closed standard error, so that the run had to be ended.
+Attempt ClosedError();
+
 /// Of an item that was reported with this text.
 Attempt MakeFailure(const std::string& text);
 
@@ -46,7 +49,7 @@ public:
     bool Take(const Record& record, Clock::time_point now);
 
     /// The run is over: whoever is open is the culprit.
-    void End(const RunEnd& end, Clock::time_point now);
+    void End(Attempt attempt, Clock::time_point now);
 
     const std::map<std::string, Attempt>& Attempts() const { return attempts; }
     const std::vector<std::string>& Begun() const { return begun; }

@@ -69,24 +69,30 @@ std::vector<char*> Pointers(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// The parent's pid out of /proc/PID/stat; the name before it may hold anything.
-pid_t ParentOf(const std::string& pid) {
-    std::ifstream file("/proc/" + pid + "/stat");
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    pid_t parent = 0;
-    const std::size_t nameEnd = text.rfind(')');
-    if (nameEnd != std::string::npos) {
-        std::sscanf(text.c_str() + nameEnd, ") %*c %d", &parent);
+/// Two fields of /proc/PID/stat; the name before them may hold anything.
+struct ProcessState {
+    explicit ProcessState(const std::string& pid) {
+        std::ifstream file("/proc/" + pid + "/stat");
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        const std::size_t nameEnd = text.rfind(')');
+        if (nameEnd != std::string::npos) {
+            std::sscanf(text.c_str() + nameEnd, ") %*c %d %*d %*d %*d %*d %u", &parent, &flags);
+        }
     }
-    return parent;
-}
+
+    /// The kernel's PF_EXITING: its end is decided, though it can't be waited for yet.
+    bool IsExiting() const { return (flags & 4U) != 0; }
+
+    pid_t parent = 0;
+    unsigned flags = 0;
+};
 
 std::vector<pid_t> FindChildren() {
     std::vector<pid_t> children;
     const std::unique_ptr<DIR, int (*)(DIR*)> processes(opendir("/proc"), closedir);
     while (const dirent* entry = processes ? readdir(processes.get()) : nullptr) {
         const pid_t pid = std::atoi(entry->d_name);
-        if (pid > 0 && ParentOf(entry->d_name) == getpid()) {
+        if (pid > 0 && ProcessState(entry->d_name).parent == getpid()) {
             children.push_back(pid);
         }
     }
@@ -203,7 +209,10 @@ private:
     bool Await(int milliseconds) {
         std::array<pollfd, 2> events{{{children, POLLIN, 0}, {control, POLLIN, 0}}};
         poll(events.data(), told ? 1 : events.size(), milliseconds);
-        told = told || events[1].revents != 0;
+        if (events[1].revents != 0) {
+            told = true;
+            result.ended = running && !ProcessState(std::to_string(program)).IsExiting();
+        }
         signalfd_siginfo ignored;
         static_cast<void>(!read(children, &ignored, sizeof ignored));
         return Reap();
@@ -216,7 +225,6 @@ private:
             if (ended == program) {
                 running = false;
                 result.status = status;
-                result.ended = told;
                 result.time = Clock::now();
             }
         }
