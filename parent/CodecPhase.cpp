@@ -97,10 +97,10 @@ CodecPhase::Batch CodecPhase::Deal() {
 std::size_t CodecPhase::BatchSize() const {
     const std::size_t jobs = session.options.jobs;
     const std::size_t share = jobs == 1 ? ids.size() : ids.size() / (2 * jobs);
-    const double worthwhile = WORK_PER_START * startSeconds / secondsOfId;
-    const std::size_t least = secondsOfId > 0 && worthwhile < static_cast<double>(ids.size())
-                                  ? static_cast<std::size_t>(std::ceil(worthwhile))
-                                  : LEAST_BATCH;
+    const double worthwhile = std::ceil(WORK_PER_START * startSeconds / secondsOfId);
+    const double most = static_cast<double>(ids.size());
+    const std::size_t least =
+        secondsOfId > 0 ? static_cast<std::size_t>(std::min(worthwhile, most)) : LEAST_BATCH;
     return std::clamp<std::size_t>(std::max(share, least), 1, ids.size());
 }
 

@@ -200,7 +200,12 @@ void Runs::Drain(std::deque<Job>& queue) {
 
 Watch Runs::RunNow(Job job) {
     Watch watch;
-    job.done = [&watch](const Run& run) { watch = run.GetWatch(); };
+    job.done = [&watch, done = std::move(job.done)](const Run& run) {
+        watch = run.GetWatch();
+        if (done) {
+            done(run);
+        }
+    };
     std::deque<Job> queue;
     queue.push_back(std::move(job));
     Drain(queue);

@@ -198,7 +198,7 @@ Attempt Watch::OutcomeOfOpen() const {
 
 /// A plugin that fails at one of its places isn't good at the other.
 void Watch::Add(Attempt attempt, Clock::time_point now) {
-    attempt.seconds = ToFPSeconds(now - openSince);
+    attempt.seconds = ToFPSeconds(std::max(now, openSince) - openSince);
     const auto known = attempts.find(open);
     if (known == attempts.end() || !IsBad(known->second.verdict) || EndsRuns(attempt.verdict)) {
         attempts.insert_or_assign(open, std::move(attempt));
