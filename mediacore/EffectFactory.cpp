@@ -2,6 +2,7 @@
 #include <frei0r.h>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/LoadOnce.h"
 #include "mediacore/PluginList.h"
 #include "mediacore/SharedLibrary.h"
@@ -10,9 +11,6 @@ namespace Tarnex::Proc {
 namespace {
 
 using Core::SharedLibrary;
-
-/// What every plugin of 1.8.0 gives; the interface itself leaves the value open.
-constexpr int INITIALISED = 1;
 
 /// Mixers take several pictures and have another operation for it.
 bool IsMixer(const f0r_plugin_info_t& info) {
@@ -28,14 +26,15 @@ void RequireOperations(const SharedLibrary& library) {
     library.Get<decltype(f0r_get_param_value)>("f0r_get_param_value");
 }
 
-f0r_plugin_info_t Load(const std::string& file) {
+void Load(const Core::ModuleFile& file) {
     const SharedLibrary library(file);
     auto* const initialise = library.Get<decltype(f0r_init)>("f0r_init");
     auto* const getInfo = library.Get<decltype(f0r_get_plugin_info)>("f0r_get_plugin_info");
     RequireOperations(library);
 
+    // The interface leaves the value open; hosts take a negative one alone as a refusal.
     const int initialised = initialise();
-    if (initialised < INITIALISED) {
+    if (initialised < 0) {
         library.Refuse(fmt::format("refused to initialise ({})", initialised));
     }
     f0r_plugin_info_t info{};
@@ -48,19 +47,18 @@ f0r_plugin_info_t Load(const std::string& file) {
         library.Refuse("describes no effect");
     }
     library.Get<void()>(IsMixer(info) ? "f0r_update2" : "f0r_update");
-    return info;
 }
 
 }  // namespace
 
 std::vector<std::string> EffectFactory::GetPluginList() {
-    return Core::GetPlugins("EffectFactory");
+    return Core::GetPlugins(Core::EFFECT_FACTORY);
 }
 
 void EffectFactory::TryToLoadModule(const std::string& plugin) {
-    static auto& once = *new Core::LoadOnce<f0r_plugin_info_t>();
-    const std::string file = SharedLibrary::FindFile(plugin);
-    once(file, [&] { return Load(file); });
+    static auto& once = *new Core::LoadOnce();
+    const Core::ModuleFile file = SharedLibrary::FindFile(plugin);
+    once(file, [&] { Load(file); });
 }
 
 }  // namespace Tarnex::Proc

@@ -1,8 +1,8 @@
-#include <fmt/format.h>
-
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/ModuleRegistry.h"
 #include "mediacore/PluginList.h"
+#include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Proc {
 namespace {
@@ -10,14 +10,14 @@ namespace {
 template <class Kind>
 void RequireKind(const std::string& plugin, Kind* Module::Description::*kind, const char* name) {
     if (Core::LoadModule(plugin).*kind == nullptr) {
-        throw CodecFactoryErrorException(fmt::format("Plugin {} offers no {}", plugin, name));
+        Core::SharedLibrary::FindFile(plugin).Refuse(std::string("offers no ") + name);
     }
 }
 
 }  // namespace
 
 std::vector<std::string> CodecFactoryImpl::GetPluginList() {
-    return Core::GetPlugins("CodecFactory");
+    return Core::GetPlugins(Core::CODEC_FACTORY);
 }
 
 void CodecFactoryImpl::TryToLoadModule(const std::string& plugin) {
@@ -25,7 +25,7 @@ void CodecFactoryImpl::TryToLoadModule(const std::string& plugin) {
 }
 
 std::vector<std::string> MuxerFactoryImpl::GetPluginList() {
-    return Core::GetPlugins("MuxerFactory");
+    return Core::GetPlugins(Core::MUXER_FACTORY);
 }
 
 void MuxerFactoryImpl::TryToLoadModule(const std::string& plugin) {
@@ -33,7 +33,7 @@ void MuxerFactoryImpl::TryToLoadModule(const std::string& plugin) {
 }
 
 std::vector<std::string> ParserFactoryImpl::GetPluginList() {
-    return Core::GetPlugins("ParserFactory");
+    return Core::GetPlugins(Core::PARSER_FACTORY);
 }
 
 void ParserFactoryImpl::TryToLoadModule(const std::string& plugin) {

@@ -1,24 +1,22 @@
 #include "core/media/OglManager.h"
 
-#include <string>
 #include <utility>
 
-#include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/ModuleRegistry.h"
+#include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Ogl {
 namespace {
 
-constexpr char MODULE[] = "OglManager";
-
 class ModuleOglManager : public OglManager {
 public:
     void Initialize() override {
-        Module::IOglModule* const ogl = Core::LoadModule(MODULE).ogl;
+        Module::IOglModule* const ogl = Core::LoadModule(Core::OGL_MANAGER).ogl;
         if (ogl == nullptr) {
-            throw Proc::CodecFactoryErrorException(std::string("Plugin ") + MODULE +
-                                                   " offers no OpenGL");
+            Core::SharedLibrary::FindFile(Core::OGL_MANAGER).Refuse("offers no OpenGL");
         }
+        Deinitialize();
         ogl->Start();
         started = ogl;
     }

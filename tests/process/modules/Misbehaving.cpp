@@ -81,8 +81,14 @@ class NoCodecs : public Tarnex::Module::ICodecModule {
     }
 };
 
+class ToldOpenGl : public Tarnex::Module::IOglModule {
+    void Start() override { std::puts("OpenGL started"); }
+    void Stop() override { std::puts("OpenGL stopped"); }
+};
+
 bool Initialize(Description& description) {
     static NoCodecs codecs;
+    static ToldOpenGl openGl;
     const std::map<std::string, void (*)()> actions{
         {"throws-std", [] { throw std::runtime_error("std reason"); }},
         {"throws-tarnex", [] { throw Tarnex::Exception("tarnex reason"); }},
@@ -108,6 +114,7 @@ bool Initialize(Description& description) {
     }
     if (behaviour != "describes-nothing") {
         description.codecs = &codecs;
+        description.ogl = &openGl;
     }
     return behaviour != "refuses";
 }
