@@ -11,8 +11,8 @@ namespace {
 void RequireKnown(const Names& names, const std::set<std::string>& known, const std::string& what) {
     for (const std::string& name : names) {
         if (!known.contains(name)) {
-            throw Exception("There is no " + what + " \"" + name +
-                            "\" here. There are: " + JoinOrNothing({known.begin(), known.end()}));
+            throw UnknownName("There is no " + what + " \"" + name +
+                              "\" here. There are: " + JoinOrNothing({known.begin(), known.end()}));
         }
     }
 }

@@ -38,6 +38,14 @@ bool ForbidsToGoOn(const Run& run) {
             (exit->status >= 4 && exit->status <= 6 && run.job.watch.failedItself));
 }
 
+/// After all that it should touch.
+bool EndsBadly(const Run& run) {
+    const auto* exit = std::get_if<ExitStatus>(&run.end);
+    const bool isFine =
+        exit != nullptr && (exit->status == 0 || (exit->status >= 7 && exit->status <= 10));
+    return run.job.watch.finished && !isFine;
+}
+
 }  // namespace
 
 Session::Session(const CheckOptions& options, CheckListener& listener, CheckResult& result)
@@ -155,6 +163,7 @@ bool Session::IsToRepeat(const Run& run) {
     for (const std::string& name : watch.strays) {
         Note("A record about " + name + " at a wrong place was ignored: a module wrote it");
     }
+    result.badEnd = result.badEnd || EndsBadly(run);
     if (ForbidsToGoOn(run)) {
         throw CheckFailure("Assayer can't check: " + watch.lastError);
     }

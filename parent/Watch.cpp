@@ -18,10 +18,10 @@ constexpr std::string_view LISTED_TEXT = ": \nTest Error\n";
 constexpr std::string_view NO_INPUT_TEXT = " stream not found";
 constexpr char CLOSED_ERROR[] = "standard error closed";
 
-/// The first line of what an exception said, else of the whole.
+/// The first line of what the innermost exception said, else of the whole.
 std::string FirstLine(std::string text) {
     constexpr std::string_view MARK = "what:";
-    const std::size_t mark = text.find(MARK);
+    const std::size_t mark = text.rfind(MARK);
     text.erase(0, mark == text.npos ? 0 : mark + MARK.size());
     TrimAll(text);
     text = text.substr(0, text.find('\n'));
