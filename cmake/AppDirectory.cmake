@@ -1,9 +1,15 @@
-# The installation directory: program, modules, plugins.list and samples in one folder, complete in
-# the build tree and the same under an installation prefix.
+# Installation directories: a program, modules, plugins.list and whatever else lies beside them. The
+# product's own is complete in the build tree and the same under an installation prefix; tests,
+# benchmarks and the sample maker have smaller ones.
 set(ASSAYER_APP_DIR ${CMAKE_BINARY_DIR}/app)
 set(ASSAYER_INSTALL_DIR lib/assayer CACHE STRING "The installation directory below the prefix")
 
-# Puts a target into the installation directory; what it needs of ours it finds beside itself.
+# The names of the factories, in the order of the check, from the header that owns them.
+file(STRINGS core/media/PluginFactories.h ASSAYER_FACTORIES REGEX "_FACTORY\\[\\] = ")
+list(TRANSFORM ASSAYER_FACTORIES REPLACE ".*\"(.*)\".*" "\\1")
+
+# Puts a target into the product's installation directory; what it needs of ours it finds beside
+# itself.
 function(assayer_add_to_app target)
   set_target_properties(${target} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${ASSAYER_APP_DIR}
@@ -21,22 +27,43 @@ endfunction()
 # factory that lists it, in the order of these calls, or NONE where the program knows it by name.
 function(assayer_add_module name factory)
   add_library(${name} MODULE ${ARGN})
-  set_target_properties(${name} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden)
+  set_target_properties(${name} PROPERTIES
+    PREFIX "" CXX_VISIBILITY_PRESET hidden ASSAYER_FACTORY ${factory})
   target_link_libraries(${name} PRIVATE assayer_settings assayer_core assayer_mediacore)
   assayer_add_to_app(${name})
-  if(NOT factory STREQUAL "NONE")
-    set_property(GLOBAL APPEND PROPERTY ASSAYER_PLUGINS_${factory} ${name})
-  endif()
+  set_property(GLOBAL APPEND PROPERTY ASSAYER_MODULES ${name})
 endfunction()
 
-function(assayer_write_plugin_list)
+# assayer_write_plugin_list(DIRECTORY module...): the modules' plugins.list.
+function(assayer_write_plugin_list directory)
+  foreach(module ${ARGN})
+    get_target_property(factory ${module} ASSAYER_FACTORY)
+    list(APPEND plugins_of_${factory} ${module})
+  endforeach()
   set(text "# The plugins of each factory, in the order in which they are checked.\n")
-  foreach(factory EffectFactory FilterFactory CodecFactory MuxerFactory ParserFactory AnalyzerFactory)
-    get_property(names GLOBAL PROPERTY ASSAYER_PLUGINS_${factory})
-    list(JOIN names ", " joined)
+  foreach(factory ${ASSAYER_FACTORIES})
+    list(JOIN plugins_of_${factory} ", " joined)
     string(STRIP "${factory}: ${joined}" line)
     string(APPEND text "${line}\n")
   endforeach()
-  file(CONFIGURE OUTPUT ${ASSAYER_APP_DIR}/plugins.list CONTENT "${text}" @ONLY)
+  file(CONFIGURE OUTPUT ${directory}/plugins.list CONTENT "${text}" @ONLY)
+endfunction()
+
+# assayer_make_app_for(TARGET DIRECTORY module...): a directory of its own for a program that loads
+# these modules, which it holds as links.
+function(assayer_make_app_for target directory)
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
+  file(MAKE_DIRECTORY ${directory})
+  foreach(module ${ARGN})
+    add_dependencies(${target} ${module})
+    file(CREATE_LINK ${ASSAYER_APP_DIR}/${module}.so ${directory}/${module}.so SYMBOLIC)
+  endforeach()
+  assayer_write_plugin_list(${directory} ${ARGN})
+endfunction()
+
+# To be called when all modules are there.
+function(assayer_finish_app)
+  get_property(modules GLOBAL PROPERTY ASSAYER_MODULES)
+  assayer_write_plugin_list(${ASSAYER_APP_DIR} ${modules})
   install(FILES ${ASSAYER_APP_DIR}/plugins.list DESTINATION ${ASSAYER_INSTALL_DIR})
 endfunction()

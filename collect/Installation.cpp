@@ -5,14 +5,17 @@
 #include <set>
 #include <utility>
 
-#include "collect/PluginList.h"
+#include "core/media/PluginFactories.h"
+#include "core/support/Constants.h"
+#include "core/support/ioPath.h"
+#include "support/PluginList.h"
 
 namespace Tarnex::Collect {
 namespace {
 
 namespace fs = boost::filesystem;
 
-constexpr const char* LIST_NAME = "plugins.list";
+using Core::Utils::PluginLists;
 
 bool IsKindOfOthers(const std::string& factory) {
     return std::ranges::count(MODULE_KINDS, factory, &ModuleKind::factory) > 0;
@@ -36,7 +39,9 @@ std::string MakePluginName(const fs::path& path) {
 class Updater {
 public:
     explicit Updater(const fs::path& directory)
-        : directory(directory), oldNames(ReadPluginList(directory / LIST_NAME)) {
+        : directory(directory),
+          list((directory / Core::PLUGIN_LIST_FILE).string()),
+          oldNames(list.exists() ? Core::Utils::ReadPluginLists(list) : PluginLists()) {
         for (const auto& [factory, names] : oldNames) {
             for (const std::string& name : names) {
                 if (IsKindOfOthers(factory) && fs::is_symlink(fs::symlink_status(File(name)))) {
@@ -128,12 +133,12 @@ private:
     }
 
     void WriteList() {
-        PluginNames namesAfter = oldNames;
+        PluginLists namesAfter = oldNames;
         for (const auto& [factory, names] : newNames) {
             namesAfter[factory] = names;
         }
         if (namesAfter != oldNames) {
-            ReplaceInPluginList(directory / LIST_NAME, newNames);
+            Core::Utils::ReplacePluginLists(list, newNames);
             changes.listWritten = true;
         }
     }
@@ -148,12 +153,13 @@ private:
     }
 
     fs::path directory;
-    PluginNames oldNames;
+    ioPath list;
+    PluginLists oldNames;
     std::map<std::string, std::pair<std::string, fs::path>> oldLinks;
-    PluginNames newNames;
+    PluginLists newNames;
     std::map<std::string, fs::path> newLinks;
-    // The program's own fixed entry, and what stands for "none" on its command line.
-    std::set<std::string> taken{"OglManager", "-"};
+    // Names that mean something else to the program.
+    std::set<std::string> taken{Core::OGL_MANAGER, Core::Utils::EMPTY_VALUE};
     Changes changes;
 };
 

@@ -2,13 +2,14 @@
 #include <vamp/vamp.h>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/PluginList.h"
 #include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Proc {
 
 std::vector<std::string> AnalyzerFactory::GetPluginList() {
-    return Core::GetPlugins("AnalyzerFactory");
+    return Core::GetPlugins(Core::ANALYZER_FACTORY);
 }
 
 void AnalyzerFactory::TryToLoadModule(const std::string& plugin) {

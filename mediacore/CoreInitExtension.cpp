@@ -1,4 +1,4 @@
-#include "core/support/CoreInitExtension.h"
+#include "core/media/CoreInitExtension.h"
 
 #include "mediacore/ModuleRegistry.h"
 

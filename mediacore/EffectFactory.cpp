@@ -2,6 +2,7 @@
 #include <frei0r.h>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/LoadOnce.h"
 #include "mediacore/PluginList.h"
 #include "mediacore/SharedLibrary.h"
@@ -54,7 +55,7 @@ f0r_plugin_info_t Load(const std::string& file) {
 }  // namespace
 
 std::vector<std::string> EffectFactory::GetPluginList() {
-    return Core::GetPlugins("EffectFactory");
+    return Core::GetPlugins(Core::EFFECT_FACTORY);
 }
 
 void EffectFactory::TryToLoadModule(const std::string& plugin) {

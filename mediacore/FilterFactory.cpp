@@ -1,13 +1,14 @@
 #include <ladspa.h>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/PluginList.h"
 #include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Proc {
 
 std::vector<std::string> FilterFactory::GetPluginList() {
-    return Core::GetPlugins("FilterFactory");
+    return Core::GetPlugins(Core::FILTER_FACTORY);
 }
 
 void FilterFactory::TryToLoadModule(const std::string& plugin) {

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/ModuleRegistry.h"
 #include "mediacore/PluginList.h"
 
@@ -17,7 +18,7 @@ void RequireKind(const std::string& plugin, Kind* Module::Description::*kind, co
 }  // namespace
 
 std::vector<std::string> CodecFactoryImpl::GetPluginList() {
-    return Core::GetPlugins("CodecFactory");
+    return Core::GetPlugins(Core::CODEC_FACTORY);
 }
 
 void CodecFactoryImpl::TryToLoadModule(const std::string& plugin) {
@@ -25,7 +26,7 @@ void CodecFactoryImpl::TryToLoadModule(const std::string& plugin) {
 }
 
 std::vector<std::string> MuxerFactoryImpl::GetPluginList() {
-    return Core::GetPlugins("MuxerFactory");
+    return Core::GetPlugins(Core::MUXER_FACTORY);
 }
 
 void MuxerFactoryImpl::TryToLoadModule(const std::string& plugin) {
@@ -33,7 +34,7 @@ void MuxerFactoryImpl::TryToLoadModule(const std::string& plugin) {
 }
 
 std::vector<std::string> ParserFactoryImpl::GetPluginList() {
-    return Core::GetPlugins("ParserFactory");
+    return Core::GetPlugins(Core::PARSER_FACTORY);
 }
 
 void ParserFactoryImpl::TryToLoadModule(const std::string& plugin) {

@@ -4,19 +4,18 @@
 #include <utility>
 
 #include "core/media/Factories.h"
+#include "core/media/PluginFactories.h"
 #include "mediacore/ModuleRegistry.h"
 
 namespace Tarnex::Ogl {
 namespace {
 
-constexpr char MODULE[] = "OglManager";
-
 class ModuleOglManager : public OglManager {
 public:
     void Initialize() override {
-        Module::IOglModule* const ogl = Core::LoadModule(MODULE).ogl;
+        Module::IOglModule* const ogl = Core::LoadModule(Core::OGL_MANAGER).ogl;
         if (ogl == nullptr) {
-            throw Proc::CodecFactoryErrorException(std::string("Plugin ") + MODULE +
+            throw Proc::CodecFactoryErrorException(std::string("Plugin ") + Core::OGL_MANAGER +
                                                    " offers no OpenGL");
         }
         ogl->Start();

@@ -7,20 +7,13 @@
 #include "core/media/AppLocations.h"
 #include "core/media/Factories.h"
 #include "core/media/OglManager.h"
+#include "core/media/PluginFactories.h"
 #include "core/support/Constants.h"
 #include "core/support/ioPath.h"
 #include "reporting/Logging.h"
 
 namespace Tarnex::Core::Utils {
 namespace {
-
-constexpr char OGL_MANAGER[] = "OglManager";
-constexpr char EFFECT_FACTORY[] = "EffectFactory";
-constexpr char FILTER_FACTORY[] = "FilterFactory";
-constexpr char CODEC_FACTORY[] = "CodecFactory";
-constexpr char MUXER_FACTORY[] = "MuxerFactory";
-constexpr char PARSER_FACTORY[] = "ParserFactory";
-constexpr char ANALYZER_FACTORY[] = "AnalyzerFactory";
 
 using Loader = std::function<void(const std::string&)>;
 

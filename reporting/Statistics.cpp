@@ -11,7 +11,7 @@
 #include "core/support/Text.h"
 #include "plugins/PluginChecker.h"
 #include "reporting/Logging.h"
-#include "run/timer/PhaseTimer.h"
+#include "timing/PhaseTimer.h"
 
 namespace Tarnex::Core::Utils {
 namespace {

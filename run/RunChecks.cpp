@@ -2,7 +2,7 @@
 
 #include "core/media/CoreManager.h"
 #include "core/support/ModuleOptions.h"
-#include "run/timer/PhaseTimer.h"
+#include "timing/PhaseTimer.h"
 
 namespace Tarnex::Core::Utils {
 namespace {

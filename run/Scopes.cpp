@@ -5,7 +5,7 @@
 
 #include "core/media/CoreManager.h"
 #include "core/support/Constants.h"
-#include "core/support/CoreInitExtension.h"
+#include "core/media/CoreInitExtension.h"
 #include "reporting/Logging.h"
 
 namespace Tarnex::Core::Utils {

@@ -5,7 +5,7 @@
 set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 "$here/setup.sh" build run bench
-"$here/build.sh" release -DASSAYER_BENCH=ON
+"$here/build.sh" bench
 bench="$here/../build/release/bench"
 folder="$(mktemp -d)"
 trap 'rm -rf "$folder"' EXIT

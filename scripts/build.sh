@@ -1,10 +1,12 @@
 #!/bin/bash
-# Configures and builds a preset. Usage: build.sh PRESET [cmake option...]
+# Configures and builds. Usage: build.sh BUILD_PRESET (see CMakePresets.json)
 set -euo pipefail
 cd "$(dirname "$0")/.."
-preset="$1"
-shift
+case "$1" in
+    test | bench) configuration=release ;;
+    *) configuration="$1" ;;
+esac
 log="$(mktemp)"
 trap 'rm -f "$log"' EXIT
-cmake --preset "$preset" "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
-cmake --build --preset "$preset"
+cmake --preset "$configuration" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+cmake --build --preset "$1"

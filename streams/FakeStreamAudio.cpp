@@ -1,6 +1,6 @@
 #include "streams/FakeStreamAudio.h"
 
-#include "run/timer/PhaseTimer.h"
+#include "timing/PhaseTimer.h"
 
 namespace Tarnex::Core::Utils {
 

@@ -1,7 +1,7 @@
 #include "streams/FakeStreamVideo.h"
 
 #include "core/media/CodecFactory.h"
-#include "run/timer/PhaseTimer.h"
+#include "timing/PhaseTimer.h"
 #include "streams/TestColorSpace.h"
 
 namespace Tarnex::Core::Utils {

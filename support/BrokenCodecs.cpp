@@ -10,7 +10,7 @@ namespace {
 
 CodecLists Parse(const std::string& text) {
     std::istringstream source(text);
-    return ReadList(source, "Codec lists", IsCodecListKey);
+    return ReadList(source, "Codec lists", {IsCodecListKey});
 }
 
 }  // namespace

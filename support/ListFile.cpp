@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <utility>
 
 #include "core/media/CoreManagerOptions.h"
 #include "core/support/Exception.h"
@@ -18,14 +19,14 @@ constexpr char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
 
 class ListReader {
 public:
-    ListReader(std::istream& source, const std::string& name, const KeyCheck& isKey)
-        : source(source), name(name), isKey(isKey) {}
+    ListReader(std::istream& source, const std::string& name, const ListForm& form)
+        : source(source), name(name), form(form) {}
 
     std::map<std::string, std::vector<std::string>> Read() {
         for (std::string line; errno = 0, std::getline(source, line);) {
             ++number;
-            if (number == 1 && line.starts_with(BYTE_ORDER_MARK)) {
-                line.erase(0, std::strlen(BYTE_ORDER_MARK));
+            if (number == 1) {
+                DropByteOrderMark(line);
             }
             TakeLine(line);
         }
@@ -48,13 +49,17 @@ private:
         if (colon == std::string::npos) {
             Fail("no colon in \"" + line + "\"");
         }
-        std::string key = line.substr(0, colon);
-        if (!isKey(TrimAll(key))) {
+        const std::string key = GetListKey(line);
+        if (!form.isKey(key)) {
             Fail("unknown key \"" + key + "\"");
         }
-        const std::vector<std::string> values = SplitNames(line.substr(colon + 1));
         std::vector<std::string>& list = lists[key];
-        list.insert(list.end(), values.begin(), values.end());
+        for (std::string& value : SplitNames(line.substr(colon + 1))) {
+            if (!form.isValue(value)) {
+                Fail("unusable name \"" + value + "\"");
+            }
+            list.push_back(std::move(value));
+        }
     }
 
     [[noreturn]] void Fail(const std::string& reason) const {
@@ -63,7 +68,7 @@ private:
 
     std::istream& source;
     const std::string& name;
-    const KeyCheck& isKey;
+    const ListForm& form;
     std::size_t number = 0;
     std::map<std::string, std::vector<std::string>> lists;
 };
@@ -72,19 +77,30 @@ private:
 
 std::map<std::string, std::vector<std::string>> ReadList(std::istream& source,
                                                          const std::string& name,
-                                                         const KeyCheck& isKey) {
-    return ListReader(source, name, isKey).Read();
+                                                         const ListForm& form) {
+    return ListReader(source, name, form).Read();
 }
 
 std::map<std::string, std::vector<std::string>> ReadListFile(const ioPath& path,
-                                                             const KeyCheck& isKey) {
+                                                             const ListForm& form) {
     const std::string name = '"' + path.utf8string() + '"';
     errno = 0;
     std::ifstream file(path.utf8string(), std::ios::binary);
     if (!file) {
         throw Exception(name + ", line 1: can't be opened: " + std::strerror(errno));
     }
-    return ReadList(file, name, isKey);
+    return ReadList(file, name, form);
+}
+
+std::string GetListKey(const std::string& line) {
+    std::string key = line.substr(0, line.find(':'));
+    return TrimAll(key);
+}
+
+void DropByteOrderMark(std::string& line) {
+    if (line.starts_with(BYTE_ORDER_MARK)) {
+        line.erase(0, std::strlen(BYTE_ORDER_MARK));
+    }
 }
 
 bool IsCodecListKey(const std::string& key) {

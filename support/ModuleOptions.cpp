@@ -22,7 +22,7 @@ bool IsPluginListKey(const std::string& key) {
 }  // namespace
 
 OptionLists LoadFromFile(const ioPath& path, FormatType format) {
-    return ReadListFile(path, format == FormatType::Codecs ? IsCodecListKey : IsPluginListKey);
+    return ReadListFile(path, {format == FormatType::Codecs ? IsCodecListKey : IsPluginListKey});
 }
 
 std::string ModuleOptionsToString(const OptionLists& lists, FormatType format) {

@@ -95,8 +95,10 @@ TEST_F(CollectTest, AFolderOfOneKindClaimsWhatHasNoEntryPoint) {
 }
 
 TEST_F(CollectTest, UpdatesOnlyWhatIsItsOwn) {
-    fs::save_string_file(app / "plugins.list",
-                         "# kept\r\nCodecFactory: Ours, -\nEffectFactory: put, dead, moved\n");
+    fs::save_string_file(
+        app / "plugins.list",
+        "\xEF\xBB\xBF"
+        "EffectFactory: put\n# kept\r\nCodecFactory: Ours, -\n EffectFactory : dead, moved\n");
     fs::save_string_file(app / "put.so", "put here by hand");
     fs::create_symlink("nowhere", app / "dead.so");
     fs::create_symlink("nowhere", app / "moved.so");

@@ -114,7 +114,9 @@ LISTS = {
     "no colon": ("CodecFactory good.1\n", "line 1"),
     "unknown factory": ("# fine\nCodecFactory: good.1\nTeaFactory: earl-grey\n", "line 3"),
     "not UTF-8": (b"CodecFactory: \xff\n", "line 1"),
-    "a path": ("CodecFactory: ../good.1\n", "../good.1"),
+    "a path": ("\nCodecFactory: a, ../good.1\n", "line 2: unusable name \"../good.1\""),
+    "empty": ("", "names no plugin"),
+    "no names": ("# CodecFactory: good.1\nCodecFactory: ,\n", "names no plugin"),
 }
 
 
