@@ -1,102 +1,94 @@
 #include "assay/Compare.h"
 
+#include <fmt/format.h>
+
 #include <map>
-#include <utility>
+#include <optional>
 
 namespace Tarnex::Assay {
 namespace {
 
-using Parent::EndsRuns;
-using Parent::IsBad;
 using Parent::Item;
 using Parent::Verdict;
 
-using Key = std::pair<Parent::ItemKind, std::string>;
+/// An item before and after; null where it wasn't there.
+struct Pair {
+    const Item* before = nullptr;
+    const Item* after = nullptr;
+};
 
-Key GetKey(const Item& item) {
-    return {item.kind, item.name};
-}
-
-/// A module whose file went is as good as one that isn't listed any more.
+/// A module whose file is gone is as good as one that isn't listed.
 bool IsThere(const Item* item) {
     return item != nullptr && item->verdict != Verdict::Missing;
 }
 
-bool GotWorse(const Change& change) {
-    const auto& [before, after] = change;
-    if (!IsThere(after)) {
-        return IsThere(before) && before->verdict == Verdict::Good;
-    }
-    const bool wasBad = before != nullptr && IsBad(before->verdict);
-    const bool endedRuns = before != nullptr && EndsRuns(before->verdict);
-    return (IsBad(after->verdict) && !wasBad) || (EndsRuns(after->verdict) && !endedRuns);
+bool Had(const Item* item, bool (*property)(Verdict)) {
+    return IsThere(item) && property(item->verdict);
 }
 
-bool GotBetter(const Change& change) {
-    const auto& [before, after] = change;
-    if (!IsThere(before) || !IsThere(after) || after->verdict == Verdict::NotReached) {
-        return false;
-    }
-    return (IsBad(before->verdict) && !IsBad(after->verdict)) ||
-           (EndsRuns(before->verdict) && !EndsRuns(after->verdict));
+bool Gained(const Item* before, const Item* after) {
+    return (Had(after, Parent::IsBad) && !Had(before, Parent::IsBad)) ||
+           (Had(after, Parent::EndsRuns) && !Had(before, Parent::EndsRuns));
 }
 
-/// Null: nothing changed.
-std::vector<Change>* Choose(Differences& differences, const Change& change) {
-    if (GotWorse(change)) {
-        return &differences.worse;
+std::optional<Trend> Classify(const Item* before, const Item* after) {
+    if (Gained(before, after)) {
+        return Trend::Worse;
     }
-    if (GotBetter(change)) {
-        return &differences.better;
+    if (!IsThere(before) || !IsThere(after)) {
+        const bool wasGood = before != nullptr && before->verdict == Verdict::Good;
+        return IsThere(after)     ? std::optional(Trend::Appeared)
+               : !IsThere(before) ? std::nullopt
+               : wasGood          ? std::optional(Trend::Worse)
+                                  : Trend::Gone;
     }
-    if (IsThere(change.before) != IsThere(change.after)) {
-        return IsThere(change.after) ? &differences.appeared : &differences.went;
+    if (before->verdict == after->verdict) {
+        return std::nullopt;
     }
-    const bool isSame = !IsThere(change.after) || change.before->verdict == change.after->verdict;
-    return isSame ? nullptr : &differences.others;
+    const bool isKnown = after->verdict != Verdict::NotReached;
+    return isKnown && Gained(after, before) ? Trend::Better : Trend::Other;
 }
 
-void Sort(Differences& differences, const Change& change) {
-    if (auto* list = Choose(differences, change)) {
-        list->push_back(change);
-    }
-}
-
-std::string DescribeState(const Item* item) {
+std::string Describe(const Item* item) {
     if (item == nullptr) {
         return "not there";
     }
-    std::string text(ToString(item->verdict));
-    return item->reason.empty() ? text : text + " (" + item->reason + ")";
+    const std::string reason = item->reason.empty() ? "" : fmt::format(" ({})", item->reason);
+    return fmt::format("{}{}", ToString(item->verdict), reason);
+}
+
+std::string Describe(const Pair& pair) {
+    const auto& [before, after] = pair;
+    const bool otherFile = before && after && before->file && before->file != after->file;
+    return fmt::format("{}: {} -> {}{}", (after ? after : before)->name, Describe(before),
+                       Describe(after), otherFile ? "; its file changed" : "");
 }
 
 }  // namespace
 
-Differences Compare(const Report& before, const Report& after) {
-    std::map<Key, const Item*> old;
-    for (const Item& item : before.items) {
-        old.emplace(GetKey(item), &item);
-    }
-    Differences differences;
+std::vector<Change> Compare(const Report& before, const Report& after) {
+    std::map<std::pair<Parent::ItemKind, std::string>, std::size_t> places;
+    std::vector<Pair> pairs;
+    const auto add = [&](const Item& item, const Item* Pair::*side) {
+        const auto [place, isNew] = places.try_emplace({item.kind, item.name}, pairs.size());
+        if (isNew) {
+            pairs.emplace_back();
+        }
+        pairs[place->second].*side = &item;
+    };
     for (const Item& item : after.items) {
-        const auto found = old.find(GetKey(item));
-        Sort(differences, {found == old.end() ? nullptr : found->second, &item});
-        if (found != old.end()) {
-            old.erase(found);
+        add(item, &Pair::after);
+    }
+    for (const Item& item : before.items) {
+        add(item, &Pair::before);
+    }
+    std::vector<Change> changes;
+    for (const Pair& pair : pairs) {
+        if (const auto trend = Classify(pair.before, pair.after)) {
+            changes.push_back({*trend, Describe(pair)});
         }
     }
-    for (const auto& [key, item] : old) {
-        Sort(differences, {item, nullptr});
-    }
-    return differences;
-}
-
-std::string Describe(const Change& change) {
-    const auto& [before, after] = change;
-    const bool otherFile = before != nullptr && after != nullptr && before->file && after->file &&
-                           *before->file != *after->file;
-    return DescribeState(before) + " -> " + DescribeState(after) +
-           (otherFile ? "; its file changed" : "");
+    return changes;
 }
 
 }  // namespace Tarnex::Assay

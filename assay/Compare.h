@@ -7,24 +7,21 @@
 
 namespace Tarnex::Assay {
 
-/// What an item became; null where it wasn't there.
+enum class Trend {
+    Worse,     ///< bad now and not before, ends runs now and not before, or good and gone
+    Better,    ///< not bad any more, or doesn't end runs any more
+    Appeared,  ///< and isn't bad
+    Gone,      ///< and wasn't good
+    Other      ///< another verdict, neither worse nor better
+};
+
+/// What an item became.
 struct Change {
-    const Parent::Item* before;
-    const Parent::Item* after;
+    Trend trend;
+    std::string text;  ///< "amp: good -> crashed (SIGSEGV); its file changed"
 };
 
-/// What differs between two reports, in the order of the later one. The items stay theirs.
-struct Differences {
-    std::vector<Change> worse;     ///< bad now and not before, ends runs now, or a good one went
-    std::vector<Change> better;    ///< not bad any more, or doesn't end runs any more
-    std::vector<Change> appeared;  ///< and isn't bad
-    std::vector<Change> went;      ///< and wasn't good
-    std::vector<Change> others;    ///< another verdict, neither worse nor better
-};
-
-Differences Compare(const Report& before, const Report& after);
-
-/// "good -> crashed (SIGSEGV); its file changed"
-std::string Describe(const Change& change);
+/// What differs, in the order of the later report; what is gone comes last.
+std::vector<Change> Compare(const Report& before, const Report& after);
 
 }  // namespace Tarnex::Assay

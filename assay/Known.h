@@ -6,26 +6,10 @@
 
 namespace Tarnex::Assay {
 
-/// Spares what ended a run in an earlier check and hasn't changed since.
-class Known {
-public:
-    /// `environment` is today's. Kept list files are copied to `lists`.
-    Known(Report report, const Json& environment, std::filesystem::path lists);
-
-    /// Gives an item that ended a run then the verdict of then, unless anything differs. Items with
-    /// files need these facts.
-    void CarryPlugins(std::vector<Parent::Item>& plugins) const;
-
-    /// The same, given the files of the media core's process now.
-    void CarryCodecs(const Json& codecFiles, std::vector<Parent::Item>& codecs) const;
-
-private:
-    void Carry(std::vector<Parent::Item>& items) const;
-    void KeepLists(Parent::Item& item) const;
-
-    Report report;
-    bool sameEnvironment;
-    std::filesystem::path lists;
-};
+/// Gives an item that ended a run in the report the verdict of then, if nothing that it depends on
+/// differs from `environment`, which is today's; for codecs with the files of the media core's
+/// process. Copies list files that it needs to `lists`.
+void CarryOver(const Report& known, const Json& environment, const std::filesystem::path& lists,
+               std::vector<Parent::Item>& items);
 
 }  // namespace Tarnex::Assay

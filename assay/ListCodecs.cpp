@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <algorithm>
 #include <boost/exception/diagnostic_information.hpp>
 #include <cstdlib>
 #include <fstream>
@@ -19,9 +20,7 @@
 #include <string>
 
 #include "core/media/CoreManager.h"
-#include "core/support/Constants.h"
 #include "mediacore/StartedModules.h"
-#include "run/ExitCodes.h"
 #include "run/QtEnvironment.h"
 #include "support/Split.h"
 
@@ -29,6 +28,8 @@ namespace {
 
 using namespace Tarnex;  // NOLINT(google-build-using-namespace)
 using Json = nlohmann::json;
+
+constexpr int EXIT_USAGE = 2;
 
 /// Modules may write to standard output: from now on that goes to standard error.
 int TakeStandardOutput() {
@@ -87,10 +88,17 @@ std::set<std::string> ListMappedFiles() {
     return files;
 }
 
+/// The caught exception on one line.
+std::string GetReason() {
+    std::string reason = boost::current_exception_diagnostic_information();
+    std::ranges::replace(reason, '\n', ' ');
+    return reason;
+}
+
 int List(int argc, char** argv) {
     if (argc != 1 && (argc != 3 || std::string(argv[1]) != "--without")) {
         std::cerr << "Usage: assayer-list [--without NAME,...]\n";
-        return Core::Utils::EXIT_REFUSED;
+        return EXIT_USAGE;
     }
     const int output = TakeStandardOutput();
     Core::Utils::PrepareQtEnvironment();
@@ -101,7 +109,7 @@ int List(int argc, char** argv) {
     listing["files"] = ListMappedFiles();
     Write(output, listing.dump(-1, ' ', false, Json::error_handler_t::replace));
     // What modules do at the end of a process is no part of a listing.
-    std::_Exit(Core::Utils::EXIT_CLEAN);
+    std::_Exit(EXIT_SUCCESS);
 }
 
 }  // namespace
@@ -110,9 +118,7 @@ int main(int argc, char** argv) {
     try {
         return List(argc, argv);
     } catch (...) {
-        std::cerr << "[" << Core::Utils::ERROR_TAG << "]"
-                  << boost::current_exception_diagnostic_information() << "[/"
-                  << Core::Utils::ERROR_TAG << "]\n";
-        std::_Exit(Core::Utils::EXIT_TARNEX_EXCEPTION);
+        std::cerr << "assayer-list: " << GetReason() << std::endl;
+        std::_Exit(EXIT_FAILURE);
     }
 }

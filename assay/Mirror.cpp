@@ -1,108 +1,85 @@
 #include "assay/Mirror.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <fstream>
 #include <set>
 #include <string>
 
-#include "assay/FileOutput.h"
-#include "collect/PluginList.h"
+#include "assay/Saving.h"
+#include "core/media/PluginFactories.h"
 #include "core/support/Exception.h"
+#include "support/PluginList.h"
 
 namespace Tarnex::Assay {
 namespace {
 
 namespace fs = std::filesystem;
-using Collect::PluginNames;
+using Core::Utils::PluginLists;
 
 constexpr const char* SOURCE_FILE = ".copied-from";
-constexpr const char* LIST_NAME = "plugins.list";
 
 bool IsProgram(const fs::path& name) {
-    const std::string text = name.string();
-    return text == "Assayer" || text == "assayer-list" || text.starts_with("lib");
+    return name == "Assayer" || name == "assayer-list" || name.string().starts_with("lib");
 }
 
-bool IsLinked(const fs::path& name) {
-    return name == "resources" || (name.extension() == ".so" && !IsProgram(name));
+PluginLists ReadList(const fs::path& directory) {
+    const fs::path path = directory / Core::PLUGIN_LIST_FILE;
+    return fs::exists(path) ? Core::Utils::ReadPluginLists(path.string()) : PluginLists();
 }
 
 class Mirroring {
 public:
     Mirroring(const fs::path& source, const fs::path& directory)
-        : source(source), directory(directory), sources{source} {
-        if (const auto before = GetSource(directory)) {
-            sources.insert(*before);
-        }
-    }
+        : source(source), directory(directory) {}
 
     bool Run() {
-        Prepare();
-        std::set<fs::path> names;
+        Mark();
         for (const fs::directory_entry& entry : fs::directory_iterator(source)) {
-            Take(entry.path(), names);
+            const fs::path name = entry.path().filename();
+            if (IsProgram(name)) {
+                Copy(entry.path(), directory / name);
+            } else if (name == "resources" || name.extension() == ".so") {
+                Link(entry.path(), directory / name);
+            }
         }
-        const PluginNames listed = MergeLists();
-        RemoveStale(names);
-        WriteList(listed);
+        UpdateList();
+        RemoveStale();
         return changed;
     }
 
 private:
     /// The mark is there first: an interrupted copy is known as one and made whole the next time.
-    void Prepare() {
+    void Mark() {
         fs::create_directories(directory);
-        if (GetSource(directory) == source) {
-            return;
+        const auto before = GetSource(directory);
+        if (!before && !fs::is_empty(directory)) {
+            throw Exception(directory.string() + ": neither empty nor an installation");
         }
-        if (!GetSource(directory) && !fs::is_empty(directory)) {
-            throw Exception(directory.string() +
-                            ": neither empty nor an installation made by this command");
+        sources = {source, before.value_or(source)};
+        if (before != source) {
+            WriteFile(directory / SOURCE_FILE, source.string() + "\n");
+            changed = true;
         }
-        WriteFile(directory / SOURCE_FILE, source.string() + "\n");
-        changed = true;
     }
 
-    void Take(const fs::path& path, std::set<fs::path>& names) {
-        const fs::path name = path.filename();
-        if (IsProgram(name)) {
-            Copy(path, directory / name);
-        } else if (IsLinked(name)) {
-            Link(path, directory / name);
-        } else {
-            return;
-        }
-        names.insert(name);
-    }
-
-    /// The copy has the time of change of what it was made from, and so shows whether that is
-    /// newer.
+    /// The copy has the time of change of what it was made from, and so shows whether that changed.
     void Copy(const fs::path& from, const fs::path& to) {
-        if (fs::is_regular_file(fs::symlink_status(to)) &&
-            fs::file_size(from) == fs::file_size(to) &&
-            fs::last_write_time(from) == fs::last_write_time(to)) {
-            return;
+        if (!fs::exists(to) || fs::file_size(from) != fs::file_size(to) ||
+            fs::last_write_time(from) != fs::last_write_time(to)) {
+            const fs::path fresh = to.string() + ".new";
+            fs::copy_file(from, fresh, fs::copy_options::overwrite_existing);
+            fs::last_write_time(fresh, fs::last_write_time(from));
+            Install(fresh, to);
         }
-        const fs::path fresh = GetFresh(to);
-        fs::copy_file(from, fresh, fs::copy_options::overwrite_existing);
-        fs::last_write_time(fresh, fs::last_write_time(from));
-        Install(fresh, to);
     }
 
     void Link(const fs::path& target, const fs::path& link) {
-        if (fs::is_symlink(fs::symlink_status(link)) && fs::read_symlink(link) == target) {
-            return;
+        if (!fs::is_symlink(link) || fs::read_symlink(link) != target) {
+            const fs::path fresh = link.string() + ".new";
+            fs::remove(fresh);
+            fs::create_symlink(target, fresh);
+            Install(fresh, link);
         }
-        const fs::path fresh = GetFresh(link);
-        fs::remove(fresh);
-        fs::create_symlink(target, fresh);
-        Install(fresh, link);
-    }
-
-    static fs::path GetFresh(const fs::path& path) {
-        return path.parent_path() / ("." + path.filename().string() + std::to_string(getpid()));
     }
 
     void Install(const fs::path& fresh, const fs::path& path) {
@@ -111,66 +88,54 @@ private:
     }
 
     bool IsLinkToSource(const fs::path& path) const {
-        return fs::is_symlink(fs::symlink_status(path)) &&
-               sources.contains(fs::read_symlink(path).parent_path());
+        return fs::is_symlink(path) && sources.contains(fs::read_symlink(path).parent_path());
     }
 
-    /// Listed here, and no module of the source: collected, or put here by hand.
+    /// Collected, or put here by hand.
     bool IsOwn(const std::string& plugin) const {
         const fs::path file = directory / (plugin + ".so");
         return fs::exists(fs::symlink_status(file)) && !IsLinkToSource(file);
     }
 
-    PluginNames MergeLists() const {
-        PluginNames merged = Collect::ReadPluginList((source / LIST_NAME).string());
-        for (const auto& [factory, plugins] :
-             Collect::ReadPluginList((directory / LIST_NAME).string())) {
-            std::vector<std::string>& list = merged[factory];
+    /// What the source lists, then what is this directory's own; a factory that lists the same
+    /// names keeps their order.
+    void UpdateList() {
+        const PluginLists before = ReadList(directory);
+        PluginLists after = ReadList(source);
+        for (const auto& [factory, plugins] : before) {
+            std::vector<std::string>& list = after[factory];
             std::ranges::copy_if(plugins, std::back_inserter(list), [&](const std::string& plugin) {
                 return IsOwn(plugin) && std::ranges::count(list, plugin) == 0;
             });
+            list = std::ranges::is_permutation(list, plugins) ? plugins : list;
         }
-        return merged;
+        if (std::ranges::any_of(after, [&](const auto& list) {
+                const auto same = before.find(list.first);
+                return same == before.end() ? !list.second.empty() : same->second != list.second;
+            })) {
+            WriteList(after);
+        }
     }
 
-    void RemoveStale(const std::set<fs::path>& names) {
+    void WriteList(const PluginLists& lists) {
+        const fs::path fresh = directory / (std::string(Core::PLUGIN_LIST_FILE) + ".new");
+        fs::copy_file(source / Core::PLUGIN_LIST_FILE, fresh, fs::copy_options::overwrite_existing);
+        Core::Utils::ReplacePluginLists(fresh.string(), lists);
+        Install(fresh, directory / Core::PLUGIN_LIST_FILE);
+    }
+
+    void RemoveStale() {
         for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
             const fs::path name = entry.path().filename();
-            const bool isOurs = IsProgram(name) || IsLinkToSource(entry.path());
-            if (isOurs && !names.contains(name)) {
+            if ((IsProgram(name) || IsLinkToSource(entry.path())) && !fs::exists(source / name)) {
                 fs::remove(entry.path());
                 changed = true;
             }
         }
     }
 
-    /// Whoever sorted the names of a factory keeps that order.
-    static bool IsSame(const PluginNames& one, const PluginNames& other) {
-        const auto sort = [](const PluginNames& names) {
-            std::set<std::pair<std::string, std::string>> all;
-            for (const auto& [factory, plugins] : names) {
-                for (const std::string& plugin : plugins) {
-                    all.emplace(factory, plugin);
-                }
-            }
-            return all;
-        };
-        return sort(one) == sort(other);
-    }
-
-    void WriteList(const PluginNames& listed) {
-        const fs::path list = directory / LIST_NAME;
-        if (fs::exists(list) && IsSame(Collect::ReadPluginList(list.string()), listed)) {
-            return;
-        }
-        const fs::path fresh = GetFresh(list);
-        fs::copy_file(source / LIST_NAME, fresh, fs::copy_options::overwrite_existing);
-        Collect::ReplaceInPluginList(fresh.string(), listed);
-        Install(fresh, list);
-    }
-
-    fs::path source;
-    fs::path directory;
+    const fs::path& source;
+    const fs::path& directory;
     std::set<fs::path> sources;  // this one, and the one before
     bool changed = false;
 };
@@ -180,10 +145,7 @@ private:
 std::optional<fs::path> GetSource(const fs::path& directory) {
     std::ifstream file(directory / SOURCE_FILE);
     std::string source;
-    if (!std::getline(file, source)) {
-        return std::nullopt;
-    }
-    return source;
+    return std::getline(file, source) ? std::optional<fs::path>(source) : std::nullopt;
 }
 
 bool Mirror(const fs::path& source, const fs::path& directory) {

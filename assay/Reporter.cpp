@@ -1,102 +1,68 @@
 #include "assay/Reporter.h"
 
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <fmt/format.h>
+
 #include <iostream>
 #include <utility>
 
-#include "assay/Summary.h"
 #include "core/support/Exception.h"
 
 namespace Tarnex::Assay {
-namespace {
 
-using Parent::Item;
-
-std::string DescribeTouched(const Parent::Progress& progress) {
-    if (progress.touched.empty()) {
-        return "";
-    }
-    std::array<char, 32> seconds{};
-    std::snprintf(seconds.data(), seconds.size(), " %.1f s",
-                  static_cast<double>(progress.open.count()) / 1000);
-    return "  " + std::string(progress.touched) + seconds.data();
-}
-
-}  // namespace
-
-Reporter::Reporter(Terminal& terminal, bool events, const std::string& log, TakeListing takeListing,
-                   Finish finish)
-    : terminal(terminal),
-      events(events),
-      logPath(log),
-      takeListing(std::move(takeListing)),
-      finish(std::move(finish)) {
+Reporter::Reporter(Terminal& terminal, const SavedReport& saved, bool events,
+                   const std::string& log)
+    : terminal(terminal), saved(saved), events(events), logPath(log) {
     if (!log.empty()) {
-        this->log.open(log, std::ios::binary | std::ios::trunc);
+        this->log.open(log, std::ios::binary);
         if (!this->log) {
-            throw Exception("can't write " + log + ": " + std::strerror(errno));
+            throw Exception("can't write " + log);
         }
     }
 }
 
-void Reporter::OnVerdict(const Item& item) {
+void Reporter::OnVerdict(const Parent::Item& item) {
+    terminal.Item(item);
     if (IsBad(item.verdict)) {
-        ++bad[item.verdict];
-        terminal.Line(DescribeItem(item), GetColour(item.verdict));
+        ++bad[std::string(ToString(item.verdict))];
     }
-    if (events) {
-        WriteEvent(ToJson(finish(item)));
-    }
+    WriteEvent(ToJson(saved.Finish(item)));
 }
 
 void Reporter::OnProgress(const Parent::Progress& progress) {
-    std::string text(progress.phase);
-    text += " " + std::to_string(progress.done) + "/" + std::to_string(progress.total);
+    std::string text = fmt::format("{} {}/{}", progress.phase, progress.done, progress.total);
     for (const auto& [verdict, count] : bad) {
-        text += "  " + std::to_string(count) + " " + std::string(ToString(verdict));
+        text += fmt::format("  {} {}", count, verdict);
     }
-    terminal.Status(text + DescribeTouched(progress));
+    if (!progress.touched.empty()) {
+        const double seconds = std::chrono::duration<double>(progress.open).count();
+        text += fmt::format("  {} {:.1f} s", progress.touched, seconds);
+    }
+    terminal.Status(text);
 }
 
 void Reporter::OnOutput(std::size_t run, std::string_view bytes) {
-    if (!log.is_open()) {
-        return;
-    }
     if (std::exchange(loggedRun, run) != run) {
         log << "\n== run " << run << "\n";
     }
-    log.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    log << bytes;
 }
 
-void Reporter::OnListing(const Parent::Listing& listing, std::vector<Item>& codecs) {
-    takeListing(listing, codecs);
-}
-
-void Reporter::OnEnd(const Report& report, int status) {
-    if (events) {
-        WriteEvent({{"complete", report.complete},
-                    {"totals", TotalsToJson(report.items)},
-                    {"status", status}});
-    }
-}
-
-void Reporter::Close() {
-    if (log.is_open()) {
-        log.close();
-    }
-    if (!log) {
-        throw Exception("can't write all of " + logPath);
-    }
-    if (events && !std::cout) {
+void Reporter::Close(const Report& report, int status) {
+    WriteEvent({{"complete", report.complete},
+                {"totals", CountVerdicts(report.items)},
+                {"status", status}});
+    if (!std::cout) {
         throw Exception("can't write all events to standard output");
     }
+    if (!logPath.empty() && !log.flush()) {
+        throw Exception("can't write all of " + logPath);
+    }
 }
 
-void Reporter::WriteEvent(const Json& event) {
-    std::cout << Render(event) << std::endl;
+void Reporter::WriteEvent(const Json& event) const {
+    if (events) {
+        std::cout << Render(event) << std::endl;
+    }
 }
 
 }  // namespace Tarnex::Assay

@@ -1,8 +1,9 @@
 #include "assay/Terminal.h"
 
-#include <sys/ioctl.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "assay/Text.h"
@@ -10,37 +11,43 @@
 namespace Tarnex::Assay {
 namespace {
 
-bool IsSet(const char* variable) {
-    const char* value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+constexpr std::size_t LONGEST_LINE = 300;
+constexpr int OTHER_ROWS = 10;   // of the summary, besides the bad items
+constexpr int ROWS_OF_ITEM = 3;  // its line and its command, which wraps
+constexpr int FEWEST_ITEMS = 3;
+
+std::string_view GetVariable(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
 }
 
-bool IsCapable(std::FILE* stream) {
-    const char* kind = std::getenv("TERM");
-    return isatty(fileno(stream)) != 0 && kind != nullptr && std::string_view(kind) != "dumb";
+bool IsWorthTelling(const Parent::Item& item) {
+    return IsBad(item.verdict) || !item.spoils.empty();
 }
 
-winsize GetSize(std::FILE* stream) {
-    winsize size{};
-    if (ioctl(fileno(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
-        size.ws_col = 80;
-        size.ws_row = 24;
+std::string Describe(const Parent::Item& item) {
+    const auto part = [](const char* form, const auto& text) {
+        return text.empty() ? "" : fmt::format(fmt::runtime(form), text);
+    };
+    return fmt::format("{}  {}{}{}{}{}{}", ToString(item.verdict), item.name,
+                       part(": {}", item.reason), part(" ({})", item.phase),
+                       part("; in company of {}", fmt::to_string(fmt::join(item.company, ", "))),
+                       part("; spoils {}", fmt::to_string(fmt::join(item.spoils, ", "))),
+                       item.carried ? "; known from before" : "");
+}
+
+Colour GetColour(const Parent::Item& item) {
+    return item.verdict == Parent::Verdict::Unsteady ? Colour::Yellow
+           : IsBad(item.verdict)                     ? Colour::Red
+                                                     : Colour::None;
+}
+
+std::string DescribeCounts(const Json& counts) {
+    std::string text;
+    for (const auto& [verdict, count] : counts.items()) {
+        text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count.get<int>(), verdict);
     }
-    return size;
-}
-
-const char* GetCode(Colour colour) {
-    switch (colour) {
-        case Colour::Red:
-            return "\x1b[31m";
-        case Colour::Green:
-            return "\x1b[32m";
-        case Colour::Yellow:
-            return "\x1b[33m";
-        case Colour::None:
-            break;
-    }
-    return "";
+    return text;
 }
 
 }  // namespace
@@ -48,8 +55,8 @@ const char* GetCode(Colour colour) {
 Terminal::Terminal(std::FILE* stream, bool quiet)
     : stream(stream),
       quiet(quiet),
-      interactive(IsCapable(stream)),
-      coloured(interactive && !IsSet("NO_COLOR")) {}
+      interactive(isatty(fileno(stream)) != 0 && GetVariable("TERM") != "dumb"),
+      coloured(interactive && GetVariable("NO_COLOR").empty()) {}
 
 void Terminal::Line(std::string_view text, Colour colour) {
     if (quiet) {
@@ -57,8 +64,9 @@ void Terminal::Line(std::string_view text, Colour colour) {
     }
     ClearStatus();
     const bool inColour = coloured && colour != Colour::None;
-    std::fprintf(stream, "%s%.*s%s\n", inColour ? GetCode(colour) : "",
-                 static_cast<int>(text.size()), text.data(), inColour ? "\x1b[0m" : "");
+    fmt::print(stream, "{}{}{}\n",
+               inColour ? fmt::format("\x1b[{}m", static_cast<int>(colour)) : "",
+               MakePrintable(text), inColour ? "\x1b[0m" : "");
     std::fflush(stream);
 }
 
@@ -67,22 +75,60 @@ void Terminal::Status(std::string_view text) {
         return;
     }
     // The last column stays free: some terminals go to the next line once it is taken.
-    const std::string cut = Shorten(text, GetSize(stream).ws_col - 1U);
-    std::fprintf(stream, "\r\x1b[K%s", cut.c_str());
+    fmt::print(stream, "\r\x1b[K{}", MakePrintable(text, GetSize().ws_col - 1U));
     std::fflush(stream);
     hasStatus = true;
 }
 
-void Terminal::ClearStatus() {
-    if (hasStatus) {
-        std::fputs("\r\x1b[K", stream);
-        std::fflush(stream);
-        hasStatus = false;
+void Terminal::Item(const Parent::Item& item) {
+    if (IsWorthTelling(item)) {
+        Line(MakePrintable(Describe(item), LONGEST_LINE), GetColour(item));
     }
 }
 
-std::size_t Terminal::Rows() const {
-    return GetSize(stream).ws_row;
+void Terminal::Summary(const Report& report) {
+    BadItems(report);
+    for (const std::string& note : report.notes) {
+        Line("note: " + note);
+    }
+    for (const auto& [kind, counts] : CountVerdicts(report.items).items()) {
+        if (!counts.empty()) {
+            Line(fmt::format("{}s: {}", kind, DescribeCounts(counts)));
+        }
+    }
+    if (!report.complete) {
+        Line("not complete: " + report.problem, Colour::Red);
+    }
+    Line(fmt::format("{} runs in {:.2f} s", report.runs.size(), report.seconds));
+}
+
+void Terminal::ClearStatus() {
+    if (std::exchange(hasStatus, false)) {
+        fmt::print(stream, "\r\x1b[K");
+        std::fflush(stream);
+    }
+}
+
+void Terminal::BadItems(const Report& report) {
+    int left = std::max((GetSize().ws_row - OTHER_ROWS) / ROWS_OF_ITEM, FEWEST_ITEMS);
+    for (const Parent::Item& item : report.items) {
+        if (IsWorthTelling(item) && left-- > 0) {
+            Item(item);
+            Line("    " + QuoteForShell(item.repro));
+        }
+    }
+    if (left < 0) {
+        Line(fmt::format("... and {} more in the report", -left));
+    }
+}
+
+winsize Terminal::GetSize() const {
+    winsize size{};
+    if (ioctl(fileno(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+        size.ws_col = 80;
+        size.ws_row = 24;
+    }
+    return size;
 }
 
 }  // namespace Tarnex::Assay

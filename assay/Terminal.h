@@ -1,15 +1,18 @@
 #pragma once
 
+#include <sys/ioctl.h>
+
 #include <cstdio>
-#include <string>
 #include <string_view>
+
+#include "assay/Report.h"
 
 namespace Tarnex::Assay {
 
-enum class Colour { None, Red, Green, Yellow };
+enum class Colour { None, Red = 31, Green = 32, Yellow = 33 };
 
 /// Where people read along. A terminal has a last line that is rewritten; anything else gets lines
-/// alone.
+/// alone. Texts are made printable here.
 class Terminal {
 public:
     /// `quiet`: writes nothing. Heeds NO_COLOR and TERM.
@@ -19,17 +22,24 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// Writes a line above the last one. Texts of others are made printable by the caller.
-    void Line(std::string_view text = "", Colour colour = Colour::None);
+    /// Writes a line above the last one.
+    void Line(std::string_view text, Colour colour = Colour::None);
 
     /// Rewrites the last line, cut at the terminal's width.
     void Status(std::string_view text);
-    void ClearStatus();
 
-    /// How many lines fit; 24 if it isn't a terminal.
-    std::size_t Rows() const;
+    /// A line for the item if it is bad, with reason and company.
+    void Item(const Parent::Item& item);
+
+    /// Counts, as many bad items as fit a screen with the command that shows each again, and what
+    /// hindered the check.
+    void Summary(const Report& report);
 
 private:
+    void ClearStatus();
+    void BadItems(const Report& report);
+    winsize GetSize() const;
+
     std::FILE* stream;
     bool quiet;
     bool interactive;

@@ -9,17 +9,19 @@
 
 namespace Tarnex::Assay {
 
-/// None if there is no regular file at `path`.
+/// The time in UTC, to the nanosecond if `digits`, else to the second.
+std::string ToIsoTime(const timespec& time, bool digits);
+
+/// All but the build id; none if there is no regular file at `path`.
 std::optional<Parent::FileFacts> ReadFileFacts(const std::filesystem::path& path);
 
 /// What a person should know of this machine: system, kernel, processor, cores, graphics cards.
 Json DescribeMachine();
 
-/// What an outcome depends on besides the module itself: the kernel, the libraries that are
-/// installed, the graphics drivers. Two texts of it differ if any of these may have changed.
+/// What any outcome depends on: the kernel, the installed libraries, the graphics drivers.
 Json DescribeEnvironment();
 
-/// The same of the files that the media core's process had mapped.
+/// The facts of those files that are there.
 Json DescribeFiles(const std::vector<std::string>& paths);
 
 }  // namespace Tarnex::Assay
