@@ -1,5 +1,6 @@
 // Loads modules and calls their entry points as the factories do, with nothing around it.
-// Usage: bare_loop [FACTORY FILE]...
+// Usage: bare_loop [FACTORY FILE]..., where any other factory than those of the interfaces below
+// stands for the program's own interface.
 
 #include <dlfcn.h>
 #include <frei0r.h>
@@ -7,8 +8,11 @@
 #include <vamp/vamp.h>
 
 #include <cstdio>
+#include <exception>
 #include <map>
 #include <string>
+
+#include "core/module/Module.h"
 
 namespace {
 
@@ -20,7 +24,7 @@ Function* Find(void* module, const char* name) {
 bool TryEffect(void* module) {
     auto* const initialise = Find<decltype(f0r_init)>(module, "f0r_init");
     auto* const getInfo = Find<decltype(f0r_get_plugin_info)>(module, "f0r_get_plugin_info");
-    if (initialise == nullptr || getInfo == nullptr || initialise() < 1) {
+    if (initialise == nullptr || getInfo == nullptr || initialise() < 0) {
         return false;
     }
     for (const char* name : {"f0r_deinit", "f0r_get_param_info", "f0r_construct", "f0r_destruct",
@@ -46,16 +50,42 @@ bool TryAnalyzer(void* module) {
     return describe != nullptr && describe(VAMP_API_VERSION, 0) != nullptr;
 }
 
+bool TryOwn(void* module) {
+    namespace Module = Tarnex::Module;
+    auto* const getVersion = Find<Module::VersionFunction>(module, "TarnexModuleVersion");
+    auto* const initialise = Find<Module::InitializeFunction>(module, "TarnexModuleInitialize");
+    Module::Description description;
+    if (getVersion == nullptr || initialise == nullptr || getVersion() != Module::VERSION ||
+        !initialise(description)) {
+        return false;
+    }
+    if (description.ogl != nullptr) {
+        description.ogl->Start();
+        description.ogl->Stop();
+    }
+    return true;
+}
+
+/// No module throws but one of ours.
+bool Try(const std::string& factory, void* module) {
+    static const std::map<std::string, bool (*)(void*)> trials{{"EffectFactory", TryEffect},
+                                                               {"FilterFactory", TryFilter},
+                                                               {"AnalyzerFactory", TryAnalyzer}};
+    const auto trial = trials.find(factory);
+    try {
+        return trial == trials.end() ? TryOwn(module) : trial->second(module);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::map<std::string, bool (*)(void*)> trials{{"EffectFactory", TryEffect},
-                                                        {"FilterFactory", TryFilter},
-                                                        {"AnalyzerFactory", TryAnalyzer}};
     int loaded = 0;
     for (int i = 1; i + 1 < argc; i += 2) {
         void* const module = dlopen(argv[i + 1], RTLD_NOW | RTLD_LOCAL);
-        loaded += module != nullptr && trials.at(argv[i])(module) ? 1 : 0;
+        loaded += module != nullptr && Try(argv[i], module) ? 1 : 0;
     }
     std::printf("%d\n", loaded);
     return 0;

@@ -12,6 +12,8 @@ add_library(assayer_settings INTERFACE)
 target_compile_features(assayer_settings INTERFACE cxx_std_20)
 target_compile_options(assayer_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wundef)
+# Texts of failures tell where they come from: by paths that mean something on other machines too.
+target_compile_options(assayer_settings INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(ASSAYER_WERROR)
   target_compile_options(assayer_settings INTERFACE -Werror)
 endif()

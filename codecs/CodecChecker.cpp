@@ -3,8 +3,6 @@
 #include <glog/logging.h>
 
 #include <algorithm>
-#include <boost/exception/diagnostic_information.hpp>
-#include <boost/exception_ptr.hpp>
 #include <mutex>
 #include <sstream>
 #include <thread>
@@ -14,7 +12,7 @@
 #include "core/media/CoreManager.h"
 #include "core/media/Presets.h"
 #include "core/support/Constants.h"
-#include "core/support/Exception.h"
+#include "core/support/ExceptionText.h"
 #include "core/support/Text.h"
 #include "core/support/ioPath.h"
 #include "reporting/Logging.h"
@@ -219,12 +217,8 @@ std::string TestCodec(const CodecConfig& config) {
                 break;
         }
         return {};
-    } catch (const Tarnex::Exception& exception) {
-        return boost::diagnostic_information(exception, true);
-    } catch (const std::exception& exception) {
-        return boost::diagnostic_information(exception, true);
     } catch (...) {
-        return boost::diagnostic_information(boost::current_exception(), true);
+        return GetCurrentExceptionText();
     }
 }
 

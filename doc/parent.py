@@ -1,5 +1,5 @@
-"""A parent of Assayer, as doc/protocol.md describes it: runs passes until each plugin and each codec
-has a verdict, also when modules crash, hang or end the process."""
+"""A parent of Assayer, as doc/protocol.md describes it: starts runs until each plugin and each codec is
+known to be good or bad, also when modules crash, hang or end the process."""
 
 import os
 import re
@@ -11,12 +11,13 @@ from pathlib import Path
 TAGS = ("STATISTICS", "CODECS", "ERROR", "WARNING", "TEST_CODEC", "TESTED_CODECS", "PLUGINS",
         "LOAD_PLUGIN_NAME", "LOADED_PLUGINS")
 OPENING = re.compile(r"\] \[(%s)\]" % "|".join(TAGS))
+FACTORIES = ("EffectFactory", "FilterFactory", "CodecFactory", "MuxerFactory", "ParserFactory", "AnalyzerFactory")
+STARTED_BY_THE_CORE = ("CodecFactory", "MuxerFactory", "ParserFactory")
 GRACE_SECONDS = 10
-MAX_PASSES = 1000
 
 
 class GaveUp(Exception):
-    """No further pass can help; the text says why."""
+    """No further run can help; the text says why."""
 
 
 def parse_records(text):
@@ -31,13 +32,12 @@ def parse_records(text):
 
 
 def split_test(test):
-    """The key of a codec list and the codec id: an id may hold points."""
-    coder, implementation, codec = test.split(".", 2)
-    return f"Codecs.{coder}.{implementation}", codec
+    """Coder type, implementation and codec id: an id may hold points."""
+    return test.split(".", 2)
 
 
 @dataclass
-class Pass:
+class Run:
     """What one process left. A negative status is a signal's number."""
     status: int
     text: str
@@ -49,12 +49,17 @@ class Pass:
     def all(self, tag):
         return [message for name, message in self.records if name == tag]
 
+    def last(self, tag):
+        return (self.all(tag) or [None])[-1]
+
     @property
     def failed_itself(self):
-        """The end was an error of the whole pass: another one would give the same."""
+        """Assayer, not a module, ended the run: another one would give the same."""
         if self.status == 3:
             return not self.all("LOAD_PLUGIN_NAME") and not self.all("TEST_CODEC")
-        return self.status in (4, 5, 6) and self.records[-1:] and self.records[-1][0] == "ERROR"
+        tags = [tag for tag, _ in self.records]
+        closed = tags[-2:-1] in ([], ["LOADED_PLUGINS"], ["TESTED_CODECS"], ["CODECS"])
+        return self.status in (4, 5, 6) and tags[-1:] == ["ERROR"] and closed
 
 
 @dataclass
@@ -64,42 +69,38 @@ class Parent:
     seconds: int = 60
     implementations: str = "-"
     environment: dict = field(default_factory=dict)
-    passes: list = field(default_factory=list)
+    runs: list = field(default_factory=list)
     bad: list = field(default_factory=list)
+    unsteady: list = field(default_factory=list)
     broken: list = field(default_factory=list)
     passed: list = field(default_factory=list)
 
-    def run(self, check, codecs="-", behind="-", threads=False, without=()):
-        """One pass with all that is known by now."""
-        if len(self.passes) == MAX_PASSES:
-            raise GaveUp("no end in sight")
-        disabled = ",".join([*self.bad, *without]) or "-"
-        tests = "," + ",".join(self.passed) if self.passed else "-"
-        plugin_list = self.write_list("plugins.txt", [("Plugins.Broken", name) for name in self.bad])
-        codec_list = self.write_list("codecs.txt", [split_test(test) for test in self.broken])
-        result = self.start(check, str(self.seconds), self.implementations, codecs, disabled,
-                            plugin_list, codec_list, behind, tests, "1" if threads else "-")
-        self.passes.append(result)
-        self.bad += [name for name in result.all("PLUGINS") if name not in self.bad]
-        self.broken += [test for test in result.all("CODECS") if test not in self.broken]
+    def run(self, check, implementations="-", codecs="-", disabled=(), plugins=(), tests=(), after="-", skipped="-"):
+        """One run; the tuples are the names for positions 5, 6 and 7."""
+        result = self.start(check, str(self.seconds), implementations, codecs, ",".join(disabled) or "-",
+                            self.write_list("plugins.txt", [("Plugins.Broken", name) for name in plugins]),
+                            self.write_list("codecs.txt", [self.codec_line(test) for test in tests]), after, skipped,
+                            "-")  # fmt: skip
+        self.runs.append(result)
         return result
 
     def start(self, *arguments):
         """Runs the program with these positions, whatever they are."""
         environment = {**{name: value for name, value in os.environ.items()
                           if not name.startswith("GLOG_")}, **self.environment}
-        log = self.folder / f"pass{len(self.passes)}.log"
+        log = self.folder / f"run{len(self.runs)}.log"
+        empty = self.folder / "empty"
+        empty.mkdir(exist_ok=True)
         with log.open("wb") as stream:
-            process = subprocess.Popen([self.program, *arguments], stdin=subprocess.DEVNULL,
-                                       stdout=subprocess.DEVNULL, stderr=stream, env=environment,
-                                       start_new_session=True)
+            process = subprocess.Popen([self.program, *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                       stderr=stream, env=environment, cwd=empty, start_new_session=True)  # fmt: skip
         try:
             process.wait(self.seconds + GRACE_SECONDS)
         except subprocess.TimeoutExpired:
             pass
         finally:
             self.end_group(process)
-        return Pass(process.returncode, log.read_text(errors="replace"))
+        return Run(process.returncode, log.read_text(errors="replace"))
 
     @staticmethod
     def end_group(process):
@@ -116,60 +117,74 @@ class Parent:
         (self.folder / name).write_text("".join(f"{key}: {value}\n" for key, value in lines))
         return str(self.folder / name)
 
-    def check_plugins(self, check="plugins", codecs="-", threads=False):
-        """The plugin phase; gives its last pass."""
-        behind = "-"
+    @staticmethod
+    def codec_line(test):
+        coder, implementation, codec = split_test(test)
+        return f"Codecs.{coder}.{implementation}", codec
+
+    def listed(self, factories=FACTORIES):
+        """The plugins that these factories list."""
+        lines = [line.partition(":") for line in (self.program.parent / "plugins.list").read_text().splitlines()]
+        return [name.strip() for key, _, names in lines if key.strip() in factories for name in names.split(",")
+                if name.strip()]  # fmt: skip
+
+    def check_plugins(self):
+        after = "-"
         while True:
-            result = self.run(check, codecs, behind, threads)
+            result = self.run("plugins", disabled=self.bad, plugins=self.bad, after=after)
+            self.bad += [name for name in result.all("PLUGINS") if name not in self.bad]
             if result.all("LOADED_PLUGINS"):
-                return result
-            begun = result.all("LOAD_PLUGIN_NAME")
-            self.require_progress(result, begun)
-            behind = begun[-1]
-            self.bad += [behind] if behind not in self.bad else []
+                return
+            self.require_progress(result, result.all("LOAD_PLUGIN_NAME"))
+            after = result.last("LOAD_PLUGIN_NAME")
+            self.try_plugin_alone(after)
 
-    def check_codecs(self, codecs, threads=False, first=None):
-        """The codec phase for these ids; `first` is a pass that has gone through it already."""
-        result = first or self.run("codecs", codecs, threads=threads)
-        while not self.learn_tests(result, codecs, threads):
-            result = self.run("codecs", codecs, threads=threads)
+    def try_plugin_alone(self, plugin):
+        others = [name for name in ["OglManager", *self.listed()] if name != plugin]
+        alone = self.run("plugins", plugins=others)
+        is_bad = not alone.all("LOADED_PLUGINS") or plugin in alone.all("PLUGINS")
+        verdicts = self.bad if is_bad else self.unsteady
+        verdicts += [plugin] if plugin not in verdicts else []
 
-    def learn_tests(self, result, codecs, threads):
-        """Takes what a pass tells of its tests; true when it went to its end."""
-        begun = result.all("TEST_CODEC")
-        undecided = [test for test in begun if test not in self.broken]
-        if result.all("TESTED_CODECS"):
-            self.passed += undecided
-            return True
-        self.require_progress(result, True)
-        if not begun:
-            self.get_core_up(codecs)
-        elif threads and undecided:
-            self.check_codecs(",".join(sorted({split_test(test)[1] for test in undecided})))
-        elif not threads:
-            self.passed += [test for test in undecided if test != begun[-1]]
-            self.broken += begun[-1:] if begun[-1] in undecided else []
-        return False
+    def check_codecs(self, codecs):
+        while True:
+            result = self.run("codecs", self.implementations, codecs, self.bad, tests=self.broken,
+                              skipped=",".join(["", *self.passed]) or "-")
+            self.broken += [test for test in result.all("CODECS") if test not in self.broken]
+            undecided = [test for test in result.all("TEST_CODEC") if test not in self.broken]
+            if result.all("TESTED_CODECS"):
+                self.passed += undecided
+                return
+            self.require_progress(result, True)
+            if not result.all("TEST_CODEC"):
+                self.get_core_up(codecs)
+                continue
+            suspect = result.last("TEST_CODEC")
+            self.passed += [test for test in undecided if test != suspect]
+            if suspect in undecided:
+                self.try_test_alone(suspect)
+
+    def try_test_alone(self, test):
+        coder, implementation, codec = split_test(test)
+        skipped = f",Encoder.{implementation}.{codec}" if coder == "Decoder" else f"Decoder.{implementation}.{codec}"
+        alone = self.run("codecs", implementation, codec, self.bad, skipped=skipped)
+        is_broken = not alone.all("TESTED_CODECS") or test in alone.all("CODECS")
+        (self.broken if is_broken else self.passed).append(test)
 
     def get_core_up(self, codecs):
         """Finds the one module without which the media core starts."""
-        plugins = self.program.parent / "plugins.list"
-        factories = ("CodecFactory", "MuxerFactory", "ParserFactory")
-        lines = [line.partition(":") for line in plugins.read_text().splitlines()]
-        names = [name.strip() for key, _, values in lines if key.strip() in factories
-                 for name in values.split(",") if name.strip()]
-        for without in [[], *[[name] for name in names if name not in self.bad]]:
-            trial = self.run("codecs", codecs, without=without)
+        for without in [name for name in self.listed(STARTED_BY_THE_CORE) if name not in self.bad]:
+            trial = self.run("codecs", self.implementations, codecs, [*self.bad, without])
             if trial.all("TEST_CODEC") or trial.all("TESTED_CODECS"):
-                self.bad += without
+                self.bad.append(without)
                 return
         raise GaveUp("the media core doesn't start")
 
-    def check_all(self, codecs, threads=False):
-        last = self.check_plugins("all", codecs, threads)
-        self.check_codecs(codecs, threads, first=last)
+    def check_all(self, codecs):
+        self.check_plugins()
+        self.check_codecs(codecs)
 
     @staticmethod
     def require_progress(result, begun):
         if result.failed_itself or not begun:
-            raise GaveUp(f"status {result.status}: {(result.all('ERROR') or ['no text'])[-1]}")
+            raise GaveUp(f"status {result.status}: {result.last('ERROR') or 'no text'}")

@@ -1,12 +1,12 @@
 #include "core/media/CodecFactory.h"
 
 #include <algorithm>
-#include <boost/exception/diagnostic_information.hpp>
 #include <exception>
 #include <utility>
 
 #include "core/media/Presets.h"
 #include "core/support/Exception.h"
+#include "core/support/ExceptionText.h"
 #include "mediacore/StartedModules.h"
 
 namespace Tarnex::Proc {
@@ -26,8 +26,8 @@ Codecs Ask(ICodecModule& module, CoderType type) {
     try {
         return module.GetCodecs(type);
     } catch (...) {
-        throw Exception("The module of " + module.GetImplementation() + " can't list its codecs: " +
-                        boost::current_exception_diagnostic_information());
+        throw Exception("The module of " + module.GetImplementation() +
+                        " can't list its codecs: " + Core::Utils::GetCurrentExceptionText());
     }
 }
 

@@ -12,9 +12,6 @@ namespace {
 
 using Core::SharedLibrary;
 
-/// What every plugin of 1.8.0 gives; the interface itself leaves the value open.
-constexpr int INITIALISED = 1;
-
 /// Mixers take several pictures and have another operation for it.
 bool IsMixer(const f0r_plugin_info_t& info) {
     return info.plugin_type == F0R_PLUGIN_TYPE_MIXER2 || info.plugin_type == F0R_PLUGIN_TYPE_MIXER3;
@@ -29,14 +26,15 @@ void RequireOperations(const SharedLibrary& library) {
     library.Get<decltype(f0r_get_param_value)>("f0r_get_param_value");
 }
 
-f0r_plugin_info_t Load(const std::string& file) {
+void Load(const Core::ModuleFile& file) {
     const SharedLibrary library(file);
     auto* const initialise = library.Get<decltype(f0r_init)>("f0r_init");
     auto* const getInfo = library.Get<decltype(f0r_get_plugin_info)>("f0r_get_plugin_info");
     RequireOperations(library);
 
+    // The interface leaves the value open; hosts take a negative one alone as a refusal.
     const int initialised = initialise();
-    if (initialised < INITIALISED) {
+    if (initialised < 0) {
         library.Refuse(fmt::format("refused to initialise ({})", initialised));
     }
     f0r_plugin_info_t info{};
@@ -49,7 +47,6 @@ f0r_plugin_info_t Load(const std::string& file) {
         library.Refuse("describes no effect");
     }
     library.Get<void()>(IsMixer(info) ? "f0r_update2" : "f0r_update");
-    return info;
 }
 
 }  // namespace
@@ -59,9 +56,9 @@ std::vector<std::string> EffectFactory::GetPluginList() {
 }
 
 void EffectFactory::TryToLoadModule(const std::string& plugin) {
-    static auto& once = *new Core::LoadOnce<f0r_plugin_info_t>();
-    const std::string file = SharedLibrary::FindFile(plugin);
-    once(file, [&] { return Load(file); });
+    static auto& once = *new Core::LoadOnce();
+    const Core::ModuleFile file = SharedLibrary::FindFile(plugin);
+    once(file, [&] { Load(file); });
 }
 
 }  // namespace Tarnex::Proc

@@ -1,7 +1,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <numbers>
+#include <random>
+#include <span>
 
 #include "core/media/FrameTiming.h"
 #include "core/support/Exception.h"
@@ -19,23 +23,53 @@ std::int64_t LengthOf(std::size_t samples, int rate) {
     return std::max<std::int64_t>(1, static_cast<std::int64_t>(samples) * MILLISECONDS / rate);
 }
 
+/// In cycles a sample.
+constexpr double LOWEST_TONE = 0.005;
+constexpr double HIGHEST_TONE = 0.1;
+
+constexpr double LOUDNESS = 6000;
+constexpr int NOISE_LEVELS = 256;
+
+/// A tone that rises and its third harmonic, with a little noise: work for prediction, transform
+/// and entropy coding.
+void Play(std::span<std::int16_t> samples, std::size_t channels) {
+    std::minstd_rand random;  // the standard defines its numbers, so all machines draw the same
+    const double rise = (HIGHEST_TONE - LOWEST_TONE) / static_cast<double>(samples.size());
+    double phase = 0;
+    for (std::size_t i = 0; i < samples.size(); i += channels) {
+        phase += 2 * std::numbers::pi * (LOWEST_TONE + rise * static_cast<double>(i));
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            // The channels share the tone but neither its harmonic nor the noise.
+            const double tone =
+                std::sin(phase) + std::sin(3 * phase) / (2 + static_cast<double>(channel));
+            const int noise = static_cast<int>(random() / 16 % NOISE_LEVELS) - NOISE_LEVELS / 2;
+            samples[i + channel] = static_cast<std::int16_t>(LOUDNESS * tone + noise);
+        }
+    }
+}
+
 class FrameAudio : public FrameTiming<IFrameAudio> {
 public:
     FrameAudio(const SampleInfo& info, std::size_t count)
         : FrameTiming(LengthOf(count, info.rate)),
           sampleInfo(info),
           count(count),
-          samples(std::make_unique<std::uint8_t[]>(count * static_cast<std::size_t>(info.layout) *
-                                                   sizeof(std::int16_t))) {}
+          samples(std::make_unique_for_overwrite<std::int16_t[]>(
+              count * static_cast<std::size_t>(info.layout))) {
+        const auto channels = static_cast<std::size_t>(info.layout);
+        Play({samples.get(), count * channels}, channels);
+    }
 
     SampleInfo GetSampleInfo() const override { return sampleInfo; }
     std::size_t GetSampleCount() const override { return count; }
-    std::uint8_t* GetSamples() const override { return samples.get(); }
+    std::uint8_t* GetSamples() const override {
+        return reinterpret_cast<std::uint8_t*>(samples.get());
+    }
 
 private:
     SampleInfo sampleInfo;
     std::size_t count;
-    std::unique_ptr<std::uint8_t[]> samples;
+    std::unique_ptr<std::int16_t[]> samples;
 };
 
 bool IsKnown(ChannelLayout layout) {

@@ -1,8 +1,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
+#include <array>
 #include <memory>
+#include <random>
 
 #include "core/media/FrameTiming.h"
 #include "core/support/Exception.h"
@@ -13,12 +14,41 @@ namespace {
 /// Wide enough for the vector instructions of any scaler or coder.
 constexpr int ALIGNMENT = 64;
 
-constexpr std::uint8_t BLACK_LUMA = 16;
-constexpr int LUMA_RANGE = 219;
-constexpr std::uint8_t NEUTRAL_CHROMA = 128;
+/// What a plane's values lie between.
+struct Range {
+    int low;
+    int high;
+};
+constexpr Range LUMA{16, 235};
+constexpr Range CHROMA{80, 176};
+
+/// The side of the squares in the middle of the picture. Larger than the blocks of most coders and
+/// no multiple of them, so that edges fall inside blocks too.
+constexpr int SQUARE = 60;
 
 /// Above what any coder takes, and far below where sizes in bytes overflow an int.
 constexpr int MAX_SIDE = 16384;
+
+constexpr int NOISE_LEVELS = 7;
+constexpr int NOISE_STARTS = 4096;
+
+/// A row's noise is a stretch of it: drawing numbers for each pixel would cost more than many a
+/// coder.
+using Noise = std::array<std::uint8_t, MAX_SIDE + NOISE_STARTS>;
+
+Noise MakeNoise() {
+    std::minstd_rand random;  // the standard defines its numbers, so all machines draw the same
+    Noise noise;
+    for (std::uint8_t& value : noise) {
+        value = static_cast<std::uint8_t>(random() / 16 % NOISE_LEVELS);
+    }
+    return noise;
+}
+
+const std::uint8_t* NoiseOfRow(int row) {
+    static const Noise NOISE = MakeNoise();
+    return NOISE.data() + row * 1009 % NOISE_STARTS;  // 1009: far apart in neighbouring rows
+}
 
 /// Rows are multiples of it, so that memory of blocks holds whole planes.
 struct alignas(ALIGNMENT) Block {
@@ -27,6 +57,41 @@ struct alignas(ALIGNMENT) Block {
 
 constexpr int Align(int size) {
     return (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+}
+
+/// A row without its noise.
+using Pattern = std::vector<std::uint8_t>;
+
+/// From low at the left to high at the right. In the middle half every second square, beginning
+/// with the one of the number `first`, is inverted; none if `first` is negative.
+Pattern MakePattern(int width, Range range, int first) {
+    Pattern pattern(static_cast<std::size_t>(width));
+    const int steps = range.high - range.low - NOISE_LEVELS;
+    for (int x = 0; x < width; ++x) {
+        const bool isMiddle = x >= width / 4 && x < width - width / 4;
+        const bool isInverted = first >= 0 && isMiddle && x / SQUARE % 2 == first;
+        const int value = x * steps / width;
+        pattern[static_cast<std::size_t>(x)] =
+            static_cast<std::uint8_t>(range.low + (isInverted ? steps - value : value));
+    }
+    return pattern;
+}
+
+/// A ramp with a chequered square in its middle and a little noise: work for prediction, transform
+/// and entropy coding.
+void Draw(const Plane& plane, Range range) {
+    const Pattern plain = MakePattern(plane.stride, range, -1);
+    const Pattern chequered[] = {MakePattern(plane.stride, range, 0),
+                                 MakePattern(plane.stride, range, 1)};
+    for (int row = 0; row < plane.height; ++row) {
+        const bool isMiddle = row >= plane.height / 4 && row < plane.height - plane.height / 4;
+        const Pattern& pattern = isMiddle ? chequered[row / SQUARE % 2] : plain;
+        std::transform(pattern.begin(), pattern.end(), NoiseOfRow(row),
+                       plane.data + std::ptrdiff_t{row} * plane.stride,
+                       [](std::uint8_t value, std::uint8_t noise) {
+                           return static_cast<std::uint8_t>(value + noise);
+                       });
+    }
 }
 
 class FrameVideo : public FrameTiming<IFrameVideo> {
@@ -42,7 +107,9 @@ public:
                            : std::vector<Plane>{{nullptr, lumaStride, info.height},
                                                 {nullptr, chromaStride, chromaHeight},
                                                 {nullptr, chromaStride, chromaHeight}});
-        DrawRamp(planes.front());
+        for (const Plane& plane : planes) {
+            Draw(plane, &plane == &planes.front() ? LUMA : CHROMA);
+        }
     }
 
     PixFmt GetPixelFormat() const override { return pixelFormat; }
@@ -57,7 +124,6 @@ private:
             size += PlaneSize(plane);
         }
         memory = std::make_unique_for_overwrite<Block[]>(size / ALIGNMENT);
-        std::memset(memory.get(), NEUTRAL_CHROMA, size);
         auto* next = reinterpret_cast<std::uint8_t*>(memory.get());
         for (Plane& plane : layout) {
             plane.data = next;
@@ -68,17 +134,6 @@ private:
 
     static std::size_t PlaneSize(const Plane& plane) {
         return static_cast<std::size_t>(plane.stride) * static_cast<std::size_t>(plane.height);
-    }
-
-    /// From black at the left to white at the right.
-    static void DrawRamp(const Plane& plane) {
-        for (int x = 0; x < plane.stride; ++x) {
-            plane.data[x] = static_cast<std::uint8_t>(BLACK_LUMA + x * LUMA_RANGE / plane.stride);
-        }
-        for (int row = 1; row < plane.height; ++row) {
-            std::copy_n(plane.data, plane.stride,
-                        plane.data + static_cast<std::ptrdiff_t>(row) * plane.stride);
-        }
     }
 
     ColorSpace colorSpace;

@@ -1,45 +1,41 @@
 #pragma once
 
+#include <atomic>
 #include <exception>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
+#include <thread>
+
+#include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Core {
 
-/// Remembers by module file what its load gave or threw: a module is initialised once in a process,
-/// also if several plugins lead to one file, and one that failed fails again in the same words.
+/// Loads each module file once in a process, also if several plugins lead to one file; one that
+/// failed fails again. Threads that ask for a file that is being loaded wait for the end of that.
 /// Thread-safe.
-template <class Result>
 class LoadOnce {
 public:
-    /// The result of `load` for this file, which is called unless it was before.
-    template <class Load>
-    const Result& operator()(const std::string& file, Load load) {
-        const std::lock_guard lock(mutex);
-        const auto [place, isNew] = outcomes.try_emplace(file);
-        Outcome& outcome = place->second;
-        if (isNew) {
-            try {
-                outcome.result = load();
-            } catch (...) {
-                outcome.failure = std::current_exception();
-            }
-        }
-        if (outcome.failure) {
-            std::rethrow_exception(outcome.failure);
-        }
-        return outcome.result;
-    }
+    using Load = std::function<void()>;
+
+    /// Calls `load`, unless that was done for this file. Throws
+    /// `Proc::CodecFactoryErrorException`, whatever `load` throws, and also if the load of this
+    /// file asks for the file again: it would wait for itself.
+    void operator()(const ModuleFile& file, const Load& load);
 
 private:
     struct Outcome {
-        Result result{};
+        std::once_flag once;
+        std::atomic<std::thread::id> loader;  // while it loads
+        std::string plugin;                   // that it was loaded for
         std::exception_ptr failure;
     };
 
+    Outcome& GetOutcome(const std::string& path);
+
     std::mutex mutex;
-    std::map<std::string, Outcome> outcomes;
+    std::map<std::string, Outcome> outcomes;  // guarded by mutex; an outcome stays where it is
 };
 
 }  // namespace Tarnex::Core

@@ -4,6 +4,7 @@
 
 #include "core/media/ClientAPI.h"
 #include "core/media/Factories.h"
+#include "core/support/ExceptionText.h"
 #include "mediacore/StartedModules.h"
 
 namespace Tarnex {
@@ -22,6 +23,8 @@ void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const
             reasons += "; a module took it and gave nothing";
         } catch (const std::exception& failure) {
             reasons += fmt::format("; {}", failure.what());
+        } catch (...) {
+            reasons += "; " + Core::Utils::GetCurrentExceptionText();
         }
     }
     throw Exception(fmt::format("No module can {} {}{}", work, path.utf8string(),

@@ -1,9 +1,8 @@
-#include <fmt/format.h>
-
 #include "core/media/Factories.h"
 #include "core/media/PluginFactories.h"
 #include "mediacore/ModuleRegistry.h"
 #include "mediacore/PluginList.h"
+#include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Proc {
 namespace {
@@ -11,7 +10,7 @@ namespace {
 template <class Kind>
 void RequireKind(const std::string& plugin, Kind* Module::Description::*kind, const char* name) {
     if (Core::LoadModule(plugin).*kind == nullptr) {
-        throw CodecFactoryErrorException(fmt::format("Plugin {} offers no {}", plugin, name));
+        Core::SharedLibrary::FindFile(plugin).Refuse(std::string("offers no ") + name);
     }
 }
 

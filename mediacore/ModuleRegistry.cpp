@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <map>
 #include <mutex>
 
 #include "mediacore/LoadOnce.h"
@@ -12,9 +13,10 @@ namespace {
 
 /// Never destroyed: the watch-dog may end the process while a module is being loaded.
 struct Registry {
-    LoadOnce<Module::Description> modules;
+    LoadOnce once;
     std::mutex mutex;
-    ShutdownHandlers handlers;  // guarded by mutex
+    std::map<std::string, Module::Description> descriptions;  // by file; guarded by mutex
+    ShutdownHandlers handlers;                                // guarded by mutex
 };
 
 Registry& GetRegistry() {
@@ -30,7 +32,7 @@ void RequireVersion(const SharedLibrary& library) {
     }
 }
 
-void Remember(const std::string& plugin, const SharedLibrary& library) {
+void RememberShutdown(const std::string& plugin, const SharedLibrary& library) {
     auto* const shutdown = library.Find<Module::ShutdownFunction>("TarnexModuleShutdown");
     if (shutdown != nullptr) {
         Registry& registry = GetRegistry();
@@ -47,7 +49,7 @@ void RequireUsableName(const SharedLibrary& library, Module::ICodecModule& codec
     }
 }
 
-Module::Description Load(const std::string& plugin, const std::string& file) {
+Module::Description Load(const ModuleFile& file) {
     const SharedLibrary library(file);
     RequireVersion(library);
     auto* const initialise = library.Get<Module::InitializeFunction>("TarnexModuleInitialize");
@@ -55,7 +57,7 @@ Module::Description Load(const std::string& plugin, const std::string& file) {
     if (!initialise(description)) {
         library.Refuse("refused to initialise");
     }
-    Remember(plugin, library);
+    RememberShutdown(file.plugin, library);
     const auto& [codecs, parser, muxer, ogl] = description;
     if (codecs == nullptr && parser == nullptr && muxer == nullptr && ogl == nullptr) {
         library.Refuse("offers nothing");
@@ -68,9 +70,16 @@ Module::Description Load(const std::string& plugin, const std::string& file) {
 
 }  // namespace
 
-const Module::Description& LoadModule(const std::string& plugin) {
-    const std::string file = SharedLibrary::FindFile(plugin);
-    return GetRegistry().modules(file, [&] { return Load(plugin, file); });
+Module::Description LoadModule(const std::string& plugin) {
+    Registry& registry = GetRegistry();
+    const ModuleFile file = SharedLibrary::FindFile(plugin);
+    registry.once(file, [&] {
+        const Module::Description description = Load(file);
+        const std::lock_guard lock(registry.mutex);
+        registry.descriptions[file.path] = description;
+    });
+    const std::lock_guard lock(registry.mutex);
+    return registry.descriptions[file.path];
 }
 
 ShutdownHandlers GetShutdownHandlers() {

@@ -11,9 +11,9 @@ namespace Tarnex::Core {
 using ShutdownHandlers = std::vector<std::pair<std::string, Module::ShutdownFunction*>>;
 
 /// Loads the module of our own interface that a plugin has, unless that is done, and gives what it
-/// offers. Throws `Proc::CodecFactoryErrorException` with the module and the reason; what the
-/// module throws passes through. Thread-safe.
-const Module::Description& LoadModule(const std::string& plugin);
+/// offers. Throws `Proc::CodecFactoryErrorException` with the plugin, its module and the reason,
+/// which may be the text of what the module threw. Thread-safe.
+Module::Description LoadModule(const std::string& plugin);
 
 /// The shut-down functions of the modules loaded so far, each with its plugin's name, last first.
 ShutdownHandlers GetShutdownHandlers();

@@ -1,11 +1,10 @@
 #include "core/media/OglManager.h"
 
-#include <string>
 #include <utility>
 
-#include "core/media/Factories.h"
 #include "core/media/PluginFactories.h"
 #include "mediacore/ModuleRegistry.h"
+#include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Ogl {
 namespace {
@@ -15,9 +14,9 @@ public:
     void Initialize() override {
         Module::IOglModule* const ogl = Core::LoadModule(Core::OGL_MANAGER).ogl;
         if (ogl == nullptr) {
-            throw Proc::CodecFactoryErrorException(std::string("Plugin ") + Core::OGL_MANAGER +
-                                                   " offers no OpenGL");
+            Core::SharedLibrary::FindFile(Core::OGL_MANAGER).Refuse("offers no OpenGL");
         }
+        Deinitialize();
         ogl->Start();
         started = ogl;
     }

@@ -4,16 +4,24 @@
 
 namespace Tarnex::Core {
 
+/// A plugin and the file of its module.
+struct ModuleFile {
+    std::string plugin;
+    std::string path;  ///< links resolved, so that a module finds what lies beside it
+
+    /// Throws `Proc::CodecFactoryErrorException` with plugin, file and reason.
+    [[noreturn]] void Refuse(const std::string& reason) const;
+};
+
 /// A plugin's module file, opened with all its symbols resolved. It stays in the process until that
 /// ends: nothing closes it, and copies are the same library.
 class SharedLibrary {
 public:
-    /// The module file of a plugin, links resolved, so that a module finds what lies beside it.
     /// Throws `Proc::CodecFactoryErrorException` if there is none.
-    static std::string FindFile(const std::string& plugin);
+    static ModuleFile FindFile(const std::string& plugin);
 
     /// Throws `Proc::CodecFactoryErrorException` with the dynamic loader's words.
-    explicit SharedLibrary(const std::string& file);
+    explicit SharedLibrary(const ModuleFile& file);
 
     /// The function of that name, or null.
     template <class Function>
@@ -31,13 +39,13 @@ public:
         return function;
     }
 
-    /// Throws `Proc::CodecFactoryErrorException` with the file and the reason.
-    [[noreturn]] void Refuse(const std::string& reason) const;
+    /// See `ModuleFile`.
+    [[noreturn]] void Refuse(const std::string& reason) const { file.Refuse(reason); }
 
 private:
     void* Symbol(const char* name) const;
 
-    std::string file;
+    ModuleFile file;
     void* handle;
 };
 

@@ -1,7 +1,6 @@
 #include "plugins/PluginChecker.h"
 
 #include <algorithm>
-#include <boost/exception/diagnostic_information.hpp>
 #include <functional>
 
 #include "core/media/AppLocations.h"
@@ -9,6 +8,7 @@
 #include "core/media/OglManager.h"
 #include "core/media/PluginFactories.h"
 #include "core/support/Constants.h"
+#include "core/support/ExceptionText.h"
 #include "core/support/ioPath.h"
 #include "reporting/Logging.h"
 
@@ -135,7 +135,7 @@ void PluginChecker::CheckPlugin(const PluginRecord& record) {
     try {
         load(record.name);
     } catch (...) {
-        RecordFailure(record.name, boost::current_exception_diagnostic_information());
+        RecordFailure(record.name, GetCurrentExceptionText());
     }
 }
 

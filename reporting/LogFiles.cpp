@@ -2,6 +2,7 @@
 
 #include <glog/logging.h>
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 
@@ -55,6 +56,13 @@ std::wstring ProgramName() {
     return file.substr(0, file.rfind(L'.'));
 }
 
+/// The user becomes part of a file name.
+std::wstring UserName() {
+    std::wstring user = Platform::GetEnvironment(L"USERNAME").value_or(L"UNKNOWN");
+    std::replace(user.begin(), user.end(), Platform::PATH_SEPARATOR, L'_');
+    return user;
+}
+
 void SetLogDestinations(const std::string& stem, std::int32_t minSeverity) {
     for (int severity = 0; severity < google::NUM_SEVERITIES; ++severity) {
         const std::string base = stem + "." + google::LogSeverityNames[severity] + ".";
@@ -87,8 +95,7 @@ bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
         return false;
     }
     const std::wstring program = ProgramName();
-    const std::wstring name =
-        program + L"." + Platform::GetEnvironment(L"USERNAME").value_or(L"UNKNOWN");
+    const std::wstring name = program + L"." + UserName();
     if (Platform::Narrow(name).size() + LONGEST_ADDITION > LONGEST_NAME) {
         return false;
     }
@@ -97,6 +104,10 @@ bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
     SetLogDestinations(Platform::Narrow(*directory + name), minSeverity);
     StartLogging(product);
     return true;
+}
+
+void FlushLogFiles() {
+    google::FlushLogFiles(google::GLOG_INFO);
 }
 
 void ShutdownLogging() {

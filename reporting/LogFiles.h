@@ -6,7 +6,8 @@
 namespace Tarnex::Core::Utils {
 
 /// Starts logging to one file for each severity, in
-/// LOCALAPPDATA/Tarnex/Logs/<productName>/<program>.<USERNAME>.<SEVERITY>.<time>.<process>.
+/// LOCALAPPDATA/Tarnex/Logs/<productName>/<program>.<USERNAME>.<SEVERITY>.<time>.<process>, with
+/// "_" for each separator in the user's name.
 /// Deletes this program's older logs there and publishes the directory as TarnexLogPath in the
 /// environment. To be called before there are other threads.
 ///
@@ -21,6 +22,10 @@ bool InitLogging(const std::string& productName, std::int32_t minSeverity, std::
 /// The same for a wide name.
 bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
                  std::int64_t maxAgeDays);
+
+/// Writes what is buffered: the lines of INFO severity and the INFO file's copies of the others.
+/// Takes glog's lock, which a thread that was stopped may hold for good.
+void FlushLogFiles();
 
 /// Closes the log files; lines go to standard error from here on. Nothing if there are none.
 void ShutdownLogging();

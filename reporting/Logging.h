@@ -9,4 +9,9 @@ namespace Tarnex::Core::Utils {
 /// error too. Thread-safe: one call gives one whole record.
 void LogTagged(const std::string& tag, const std::string& message);
 
+/// The same for the last record of a process that this thread is about to end. Any other thread
+/// that calls `LogTagged` later stays there for good: the end may release it from a module that
+/// hung, and then it mustn't claim that all went well.
+void LogLastTagged(const std::string& tag, const std::string& message);
+
 }  // namespace Tarnex::Core::Utils

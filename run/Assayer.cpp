@@ -1,12 +1,11 @@
 #include "run/Assayer.h"
 
 #include <QApplication>
-#include <boost/exception/diagnostic_information.hpp>
-#include <boost/exception_ptr.hpp>
 
 #include "codecs/CodecChecker.h"
 #include "core/support/Constants.h"
 #include "core/support/Exception.h"
+#include "core/support/ExceptionText.h"
 #include "core/support/WatchDog.h"
 #include "platform/ProcessEnd.h"
 #include "plugins/PluginChecker.h"
@@ -38,7 +37,8 @@ void StartLogging() {
 /// Ends the process from the watch-dog's thread, whatever the main thread is doing.
 void OnExpiry() {
     try {
-        LogTagged(ERROR_TAG, "Assayer closed by WatchDog!");
+        LogLastTagged(ERROR_TAG, "Assayer closed by WatchDog!");
+        FlushLogFiles();
     } catch (...) {  // NOLINT(bugprone-empty-catch): the end must come all the same.
     }
     Platform::EndProcess(EXIT_TIMED_OUT);
@@ -79,14 +79,14 @@ int Assayer(int argc, char** argv) {
         const CheckResult result = RunChecks(pluginChecker, codecChecker, config);
         ReportStatistics(pluginChecker, codecChecker, result.brokenPlugins, result.brokenCodecs);
         return ChooseExitCode(result);
-    } catch (const Tarnex::Exception& exception) {
-        LogTagged(ERROR_TAG, boost::diagnostic_information(exception, true));
+    } catch (const Tarnex::Exception&) {
+        LogTagged(ERROR_TAG, GetCurrentExceptionText());
         return EXIT_TARNEX_EXCEPTION;
-    } catch (const std::exception& exception) {
-        LogTagged(ERROR_TAG, boost::diagnostic_information(exception, true));
+    } catch (const std::exception&) {
+        LogTagged(ERROR_TAG, GetCurrentExceptionText());
         return EXIT_STD_EXCEPTION;
     } catch (...) {
-        LogTagged(ERROR_TAG, boost::diagnostic_information(boost::current_exception(), true));
+        LogTagged(ERROR_TAG, GetCurrentExceptionText());
         return EXIT_OTHER_EXCEPTION;
     }
 }

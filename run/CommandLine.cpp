@@ -1,5 +1,6 @@
 #include "run/CommandLine.h"
 
+#include <boost/throw_exception.hpp>
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
@@ -81,10 +82,10 @@ std::int64_t ToNumber(const std::string& text) {
     errno = 0;
     const long long number = std::strtoll(text.c_str(), &end, 10);
     if (end == text.c_str()) {
-        throw std::invalid_argument("invalid stoll argument");
+        BOOST_THROW_EXCEPTION(std::invalid_argument("invalid stoll argument"));
     }
     if (errno == ERANGE) {
-        throw std::out_of_range("stoll argument out of range");
+        BOOST_THROW_EXCEPTION(std::out_of_range("stoll argument out of range"));
     }
     return number;
 }

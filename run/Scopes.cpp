@@ -1,11 +1,11 @@
 #include "run/Scopes.h"
 
-#include <boost/exception/diagnostic_information.hpp>
 #include <utility>
 
+#include "core/media/CoreInitExtension.h"
 #include "core/media/CoreManager.h"
 #include "core/support/Constants.h"
-#include "core/media/CoreInitExtension.h"
+#include "core/support/ExceptionText.h"
 #include "reporting/Logging.h"
 
 namespace Tarnex::Core::Utils {
@@ -17,7 +17,7 @@ void RunDeinitHandlers() {
             handler();
         } catch (...) {
             LogTagged(WARNING_TAG, "Failed doing a deinitializing handler for " + name + ": " +
-                                       boost::current_exception_diagnostic_information(true));
+                                       GetCurrentExceptionText());
         }
     }
 }

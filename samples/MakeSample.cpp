@@ -1,4 +1,5 @@
 // Writes a sample file of the codec check: a short clip that our own modules encode.
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -14,61 +15,63 @@ using Tarnex::Conf::IPreset;
 using Tarnex::Core::CoreManager;
 using Tarnex::Proc::ImplNames;
 using Tarnex::Proc::Pointer;
+using Tarnex::Proc::Property;
 namespace Proc = Tarnex::Proc;
 
-constexpr std::int64_t FRAMES = 5;
-constexpr std::int64_t FRAME_LENGTH = 40;
+// The clips are read once, from their beginning to their end, so that they need no way back.
 
-/// A few frames in a row. Deriving classes make them.
-template <class Interface, class Frame>
-class Clip : public Tarnex::Modules::DecoderStream<Interface, Frame> {
+/// Two pictures, one of which moves over the other: no frame can be predicted without a rest.
+class Pictures : public Tarnex::Modules::DecoderStream<Proc::IStreamVideo, Proc::IFrameVideo> {
 public:
-    Clip() : Tarnex::Modules::DecoderStream<Interface, Frame>(nullptr, "Clip") {}
+    explicit Pictures(const std::string& codecId)
+        : DecoderStream(nullptr, "Pictures"),
+          size(codecId == Proc::IFormatCodecVideo::CODEC_ID_DVVIDEO
+                   ? Proc::FrameInfo{720, 576, 1, 1}  // one of the few that DV knows
+                   : Proc::FrameInfo{320, 240, 1, 1}) {}
 
-    std::int64_t GetDuration() const override { return FRAMES * FRAME_LENGTH; }
-    std::int64_t GetPosition() const override { return position; }
-    void Seek(std::int64_t newPosition, Pointer<Proc::IRefCountable>) override {
-        position = newPosition;
+    Pointer<Proc::IFormatCodecVideo> GetFormatCodec() const override {
+        Pointer<Proc::IFormatCodecVideo> format = Proc::IFormatCodecVideo::Create();
+        format->InitByPixelAspect(size.width, size.height, 1, 1);
+        return format;
     }
 
 protected:
-    virtual Pointer<Frame> MakeFrame() const = 0;
-
     Pointer<Proc::IData> MakeNext() override {
-        if (position >= GetDuration()) {
+        if (number == FRAMES) {
             return {};
         }
-        Pointer<Frame> frame = MakeFrame();
-        frame->SetFrameTime(position);
-        position += FRAME_LENGTH;
+        Pointer<Proc::IFrameVideo> frame =
+            Proc::CreateFactoryDataVideoFF()->CreateFrame({1, 1, 1}, Proc::PixFmt::Yuv420p, size);
+        for (const Proc::Plane& plane : frame->GetPlanes()) {
+            Overlay(plane);
+        }
+        frame->SetFrameTime(number * FRAME_LENGTH);
+        ++number;
         return frame;
     }
     void Restart() override {}
 
 private:
-    std::int64_t position = 0;
-};
+    static constexpr int FRAMES = 6;
+    static constexpr int FRAME_LENGTH = 40;
 
-class Pictures : public Clip<Proc::IStreamVideo, Proc::IFrameVideo> {
-public:
-    Pointer<Proc::IFormatCodecVideo> GetFormatCodec() const override {
-        Pointer<Proc::IFormatCodecVideo> format = Proc::IFormatCodecVideo::Create();
-        format->InitByPixelAspect(SIZE.width, SIZE.height, 1, 1);
-        return format;
+    /// The mean of the picture and itself, moved by some rows and pixels.
+    void Overlay(const Proc::Plane& plane) const {
+        const std::ptrdiff_t shift = std::ptrdiff_t{number} * (3 * plane.stride + 5);
+        const std::ptrdiff_t end = std::ptrdiff_t{plane.height} * plane.stride - shift;
+        for (std::ptrdiff_t i = 0; i < end; ++i) {
+            plane.data[i] = static_cast<std::uint8_t>((plane.data[i] + plane.data[i + shift]) / 2);
+        }
     }
 
-protected:
-    Pointer<Proc::IFrameVideo> MakeFrame() const override {
-        return Proc::CreateFactoryDataVideoFF()->CreateFrame({1, 1, 1}, Proc::PixFmt::Yuv420p,
-                                                             SIZE);
-    }
-
-private:
-    static constexpr Proc::FrameInfo SIZE{320, 240, 1, 1};
+    Proc::FrameInfo size;
+    int number = 0;
 };
 
-class Sound : public Clip<Proc::IStreamAudio, Proc::IFrameAudio> {
+class Sound : public Tarnex::Modules::DecoderStream<Proc::IStreamAudio, Proc::IFrameAudio> {
 public:
+    Sound() : DecoderStream(nullptr, "Sound") {}
+
     Pointer<Proc::IFormatCodecAudio> GetFormatCodec() const override {
         Pointer<Proc::IFormatCodecAudio> format = Proc::IFormatCodecAudio::Create();
         format->SetSampleInfo(INFO);
@@ -76,45 +79,64 @@ public:
     }
 
 protected:
-    Pointer<Proc::IFrameAudio> MakeFrame() const override {
-        return Proc::CreateFactoryDataAudioFF()->CreateFrame(INFO, 1);
+    Pointer<Proc::IData> MakeNext() override {
+        if (isRead) {
+            return {};
+        }
+        isRead = true;
+        return Proc::CreateFactoryDataAudioFF()->CreateFrame(INFO, BLOCKS);
     }
+    void Restart() override {}
 
 private:
     static constexpr Proc::SampleInfo INFO{Proc::SampleFormats::S16, 44100,
                                            Proc::ChannelLayout::Stereo};
+    static constexpr int BLOCKS = 2;
+
+    bool isRead = false;
 };
 
-Pointer<Proc::ICodedStream> Encode(const std::string& codecId) {
+Property MakeSettings(const char* kind, const std::string& codecId, const std::string& options) {
+    Property settings(kind);
+    settings.Add(Property(IPreset::ITEM_CODEC_ID, codecId));
+    settings.Add(Property(IPreset::ITEM_OPTIONS, options));
+    return settings;
+}
+
+Pointer<Proc::ICodedStream> Encode(const std::string& codecId, const std::string& options) {
     const Pointer<Proc::ICodecFactory> factory = CoreManager::Instance().GetCodecFactory();
-    const auto preset = [&](const char* key) {
-        return Tarnex::Conf::CreateDataHelper(key, codecId)->GetPresetProperty();
-    };
     if (Proc::IsVideoCodec(codecId)) {
-        return factory->CreateVideoEncoder(new Pictures(), preset(IPreset::KEY_FILTER_VIDEO_CODEC),
-                                           ImplNames::FFMPEG, {});
+        return factory->CreateVideoEncoder(
+            new Pictures(codecId), MakeSettings(IPreset::KEY_FILTER_VIDEO_CODEC, codecId, options),
+            ImplNames::FFMPEG, {});
     }
-    return factory->CreateAudioEncoder(new Sound(), preset(IPreset::KEY_FILTER_AUDIO_CODEC),
-                                       ImplNames::FFMPEG, {});
+    return factory->CreateAudioEncoder(
+        new Sound(), MakeSettings(IPreset::KEY_FILTER_AUDIO_CODEC, codecId, options),
+        ImplNames::FFMPEG, {});
+}
+
+void MakeSample(const std::string& file, const std::string& codecId, const std::string& options) {
+    CoreManager& core = CoreManager::Instance();
+    core.GetComputingResourceManager()->computingResourcesFlag = true;  // one thread: same bytes
+    core.Initialize({}, {}, nullptr, nullptr, true);
+    core.WaitUntilInitialized();
+    const Pointer<Proc::ICodedStream> stream = Encode(codecId, options);
+    if (!stream) {
+        throw Tarnex::Exception("Nobody encodes " + codecId);
+    }
+    Proc::MuxerFactoryImpl::WriteFile(file, stream);
+    core.Uninitialize();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "Usage: MakeSample FILE CODEC_ID\n");
+    if (argc != 4) {
+        std::fprintf(stderr, "Usage: MakeSample FILE CODEC_ID OPTIONS\n");
         return 1;
     }
     try {
-        CoreManager& core = CoreManager::Instance();
-        core.Initialize({}, {}, nullptr, nullptr, true);
-        core.WaitUntilInitialized();
-        const Pointer<Proc::ICodedStream> stream = Encode(argv[2]);
-        if (!stream) {
-            throw Tarnex::Exception(std::string("Nobody encodes ") + argv[2]);
-        }
-        Proc::MuxerFactoryImpl::WriteFile(std::string(argv[1]), stream);
-        core.Uninitialize();
+        MakeSample(argv[1], argv[2], argv[3]);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "MakeSample: %s\n", failure.what());
         return 1;

@@ -14,9 +14,7 @@ std::string Mark(FormatType format) {
 }
 
 bool IsPluginListKey(const std::string& key) {
-    const std::string mark = Mark(FormatType::Plugins);
-    return key.starts_with(mark) && key.size() > mark.size() &&
-           key.find_first_of(" \t") == std::string::npos;
+    return key.starts_with(Mark(FormatType::Plugins));
 }
 
 }  // namespace

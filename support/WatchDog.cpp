@@ -48,11 +48,12 @@ public:
 private:
     enum class State { Armed, Cancelled, Expired };
 
-    /// The first decision stands.
-    void Decide(State decision) {
+    /// The first decision stands. True if this is it.
+    bool Decide(State decision) {
         State expected = State::Armed;
-        state.compare_exchange_strong(expected, decision);
+        const bool isFirst = state.compare_exchange_strong(expected, decision);
         decided.Post();
+        return isFirst;
     }
 
     void Run() {
@@ -65,10 +66,10 @@ private:
     }
 
     void KeepTime() {
-        if (progress.WaitUntil(deadline)) {
+        // A runner that gets no processor time may leave a cancellation unanswered.
+        if (progress.WaitUntil(deadline) || !Decide(State::Expired)) {
             return;  // cancelled
         }
-        Decide(State::Expired);
         const bool begun = ProgressWithinGrace();
         if (!begun || !ProgressWithinGrace()) {
             std::_Exit(EXIT_CODE);

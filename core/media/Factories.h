@@ -19,8 +19,8 @@ public:
 // Each factory lists the plugins that `plugins.list` names for it, in that order, and loads one of
 // them into this process for good. Loading is more than opening: the module's entry points are
 // called, so that a normal return means that the module works as far as can be told without input.
-// Both throw `Tarnex::Exception` with a text that names the list's line or the module and the
-// reason; what a module itself throws passes through. Thread-safe.
+// Both throw `Tarnex::Exception` with a text that names the list's line, or the plugin, its module
+// and the reason, which may be the text of what the module threw. Thread-safe.
 
 class TARNEX_API EffectFactory {  ///< frei0r video effects
 public:

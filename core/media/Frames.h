@@ -18,7 +18,7 @@ public:
     virtual std::int64_t GetFrameLength() const = 0;
     virtual void SetFrameLength(std::int64_t length) = 0;
     virtual void SetFrameTime(std::int64_t time) = 0;
-    /// Makes the content ready to be read; a frame of silence or of one picture needs nothing.
+    /// Makes the content ready to be read; a frame of the core's own factories needs nothing.
     virtual void PrepareFrame() = 0;
     virtual std::int64_t GetFrameTime() const = 0;
 };
@@ -57,14 +57,16 @@ public:
     virtual bool IsKey() const = 0;
 };
 
-/// Makes frames of one picture. Threads: each thread its own factory.
+/// Makes frames of one picture, the same in every run: a gradient, edges and a little noise.
+/// Threads: each thread its own factory.
 class TARNEX_TYPE IFactoryDataVideo : public virtual IRefCountable {
 public:
     virtual Pointer<IFrameVideo> CreateFrame(const ColorSpace& space, PixFmt format,
                                              const FrameInfo& info) = 0;
 };
 
-/// Makes frames of silence. Threads: each thread its own factory.
+/// Makes frames of sound, the same in every run: tones and a little noise. Threads: each thread its
+/// own factory.
 class TARNEX_TYPE IFactoryDataAudio : public virtual IRefCountable {
 public:
     /// A frame of `blocks` times `SAMPLES_PER_BLOCK` samples.

@@ -15,6 +15,9 @@ struct IPreset {
     // Items of a preset's property.
     static constexpr char ITEM_CODEC_ID[] = "CodecId";
     static constexpr char ITEM_SPEED[] = "Speed";
+    /// Options of libavcodec, "key=value key=value". An unknown key is a `Tarnex::Exception`; other
+    /// implementations don't read the item.
+    static constexpr char ITEM_OPTIONS[] = "Options";
     /// A coder chooses its fastest usable setting: a check wants to know that it works, not to
     /// compress well.
     static constexpr char SPEED_FASTEST[] = "Fastest";

@@ -12,7 +12,7 @@ namespace Tarnex::Core::Utils {
 /// What the keys of a list name, and with it the mark that they begin with.
 enum class FormatType {
     Codecs = 1,   ///< "Codecs.": black-list option keys
-    Plugins = 2,  ///< "Plugins.": one free word behind the mark
+    Plugins = 2,  ///< "Plugins.": any text after the mark
 };
 
 /// Lists by key, in byte order.

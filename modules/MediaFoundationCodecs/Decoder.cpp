@@ -82,12 +82,20 @@ private:
     std::optional<Pipeline> pipeline;
 };
 
+bool IsUsable(const Proc::IFormatCodecVideo& coded) {
+    return coded.GetFrameInfo().width > 0 && coded.GetFrameInfo().height > 0;
+}
+
+bool IsUsable(const Proc::IFormatCodecAudio& coded) {
+    return coded.GetSampleInfo().rate > 0 && static_cast<int>(coded.GetSampleInfo().layout) > 0;
+}
+
 template <class Format>
 Proc::Pointer<Format> FormatOf(const Codec& codec, const Proc::ICodedStream& input) {
     auto format = boost::dynamic_pointer_cast<Format>(input.GetCodecFormat());
-    if (!format) {
-        throw Exception(std::string("The decoder of ") + codec.id +
-                        " was given a stream of another media kind");
+    if (!format || !IsUsable(*format)) {
+        throw Exception(std::string("The decoder of ") + codec.id + " was given a stream " +
+                        (format ? "without size, rate or channels" : "of another media kind"));
     }
     return format;
 }

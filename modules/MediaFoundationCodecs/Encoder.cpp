@@ -5,17 +5,19 @@
 #include <string>
 #include <utility>
 
+#include "core/support/Exception.h"
 #include "modules/MediaFoundationCodecs/Input.h"
 #include "modules/MediaFoundationCodecs/Output.h"
 #include "modules/MediaFoundationCodecs/Pipeline.h"
 #include "modules/MediaFoundationCodecs/StreamHeaders.h"
+#include "modules/common/CoderLimits.h"
 #include "modules/common/CoderStream.h"
 
 namespace Tarnex::MediaFoundation {
 
 namespace {
 
-std::string ElementsOf(const Codec& codec, EncoderOptions options) {
+std::string ElementsOf(const Codec& codec, Modules::EncoderOptions options) {
     const char* const convert = codec.kind == Proc::MediaKind::Video
                                     ? "videoconvert ! "
                                     : "audioconvert ! audioresample ! ";
@@ -29,6 +31,14 @@ Input ToInput(const Proc::IFrameVideo& frame, const Proc::IFormatCodecVideo& for
 
 Input ToInput(const Proc::IFrameAudio& frame, const Proc::IFormatCodecAudio& /*format*/) {
     return InputOf(frame);
+}
+
+std::string FindFault(const Proc::IFormatCodecVideo& format) {
+    return Modules::FindFault(format.GetFrameInfo(), format.GetFrameRate());
+}
+
+std::string FindFault(const Proc::IFormatCodecAudio& format) {
+    return Modules::FindFault(format.GetSampleInfo());
 }
 
 /// The coded stream is of the source's size and rates as far as they are known before the start.
@@ -63,14 +73,19 @@ void Complete(Proc::IFormatCodecAudio& format, const GstCaps* caps) {
 template <class Source, class Format>
 class Encoder : public Modules::CoderStream<Proc::ICodedStream> {
 public:
-    Encoder(const Codec& codec, Proc::Pointer<Source> newSource, EncoderOptions options)
+    Encoder(const Codec& codec, Proc::Pointer<Source> newSource, Modules::EncoderOptions options)
         : CoderStream(newSource, "MediaFoundationEncoder"),
           codec(codec),
+          title(std::string("The encoder of ") + codec.id),
           source(std::move(newSource)),
           options(options),
           format(Format::Create()) {
         format->SetCodecID(codec.id);
-        Describe(*format, *source->GetFormatCodec());
+        const auto given = source->GetFormatCodec();
+        if (const std::string fault = FindFault(*given); !fault.empty()) {
+            throw Exception(title + ": " + fault);
+        }
+        Describe(*format, *given);
     }
 
     Proc::MediaKind GetMediaKind() const override { return codec.kind; }
@@ -79,8 +94,7 @@ public:
 protected:
     Proc::Pointer<Proc::IData> MakeNext() override {
         if (!pipeline) {
-            pipeline.emplace(std::string("The encoder of ") + codec.id, ElementsOf(codec, options),
-                             options.isSingleThreaded);
+            pipeline.emplace(title, ElementsOf(codec, options), options.isSingleThreaded);
             isComplete = false;
         }
         GstOwner<GstSample> sample = pipeline->Next([this] { return PushFrame(); });
@@ -111,8 +125,9 @@ private:
     }
 
     const Codec& codec;
+    std::string title;
     Proc::Pointer<Source> source;
-    EncoderOptions options;
+    Modules::EncoderOptions options;
     Proc::Pointer<Format> format;
     bool isComplete = false;
     std::optional<Pipeline> pipeline;
@@ -122,13 +137,13 @@ private:
 
 Proc::Pointer<Proc::ICodedStream> NewVideoEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamVideo>& stream,
-                                                  EncoderOptions options) {
+                                                  Modules::EncoderOptions options) {
     return new Encoder<Proc::IStreamVideo, Proc::IFormatCodecVideo>(codec, stream, options);
 }
 
 Proc::Pointer<Proc::ICodedStream> NewAudioEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamAudio>& stream,
-                                                  EncoderOptions options) {
+                                                  Modules::EncoderOptions options) {
     return new Encoder<Proc::IStreamAudio, Proc::IFormatCodecAudio>(codec, stream, options);
 }
 

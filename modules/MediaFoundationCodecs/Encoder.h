@@ -2,22 +2,17 @@
 
 #include "core/media/Streams.h"
 #include "modules/MediaFoundationCodecs/CodecTable.h"
+#include "modules/common/EncoderOptions.h"
 
 namespace Tarnex::MediaFoundation {
 
-/// How an encoder is to work.
-struct EncoderOptions {
-    bool isFastest = false;
-    bool isSingleThreaded = false;
-};
-
 // Encoders on the element that the table names. The format of their packets is complete once the
-// first packet was read.
+// first packet was read. Both throw `Tarnex::Exception` for a stream that no encoder can take.
 Proc::Pointer<Proc::ICodedStream> NewVideoEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamVideo>& stream,
-                                                  EncoderOptions options);
+                                                  Modules::EncoderOptions options);
 Proc::Pointer<Proc::ICodedStream> NewAudioEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamAudio>& stream,
-                                                  EncoderOptions options);
+                                                  Modules::EncoderOptions options);
 
 }  // namespace Tarnex::MediaFoundation

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <string>
 
-#include "core/support/Exception.h"
 #include "modules/MediaFoundationCodecs/GstPointers.h"
 
 namespace Tarnex::MediaFoundation {
@@ -59,17 +58,18 @@ void LeaveOutForeignCoders() {
     gst_plugin_feature_list_free(features);
 }
 
-void Start() {
+std::string Start() {
     const QuietChildren quietChildren;
     gst_debug_remove_log_function(nullptr);  // the one that writes to standard error
     g_log_set_default_handler(WriteFatalMessage, nullptr);
     GError* error = nullptr;
     if (gst_init_check(nullptr, nullptr, &error) == FALSE) {
         const GstOwner<GError> owner(error);
-        throw Exception(std::string("The system's media framework doesn't start: ") +
-                        (error != nullptr ? error->message : "no reason given"));
+        return std::string("The system's media framework doesn't start: ") +
+               (error != nullptr ? error->message : "no reason given");
     }
     LeaveOutForeignCoders();
+    return {};
 }
 
 bool IsSoftware(const GstElementFactory* factory) {
@@ -79,9 +79,9 @@ bool IsSoftware(const GstElementFactory* factory) {
 
 }  // namespace
 
-void StartFramework() {
-    static std::once_flag once;
-    std::call_once(once, Start);
+const std::string& StartFramework() {
+    static const std::string& failure = *new std::string(Start());
+    return failure;
 }
 
 bool HasDecoder(const char* caps) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "core/support/Exception.h"
+#include "modules/common/CoderLimits.h"
 
 namespace Tarnex::MediaFoundation {
 
@@ -19,18 +20,23 @@ GstClockTime ToClockTime(std::int64_t time) {
     return time < 0 ? GST_CLOCK_TIME_NONE : static_cast<GstClockTime>(time) * GST_MSECOND;
 }
 
+/// A frame needn't keep to its stream's format.
+void Require(const std::string& fault) {
+    if (!fault.empty()) {
+        throw Exception("The media framework " + fault);
+    }
+}
+
 GstVideoInfo VideoInfoOf(const Proc::IFrameVideo& frame, const Proc::FrameRate& rate) {
     const bool isNv12 = frame.GetPixelFormat() == Proc::PixFmt::Nv12;
     const Proc::FrameInfo size = frame.GetFrameInfo();
     const Proc::ColorSpace color = frame.GetColorSpace();
+    Require(Modules::FindFault(size, rate));
     GstVideoInfo info;
-    if (size.width <= 0 || size.height <= 0 || rate.numerator <= 0 || rate.denominator <= 0 ||
-        gst_video_info_set_format(&info, isNv12 ? GST_VIDEO_FORMAT_NV12 : GST_VIDEO_FORMAT_I420,
+    if (gst_video_info_set_format(&info, isNv12 ? GST_VIDEO_FORMAT_NV12 : GST_VIDEO_FORMAT_I420,
                                   static_cast<guint>(size.width),
                                   static_cast<guint>(size.height)) == FALSE) {
-        throw Exception("A picture of " + std::to_string(size.width) + " by " +
-                        std::to_string(size.height) + " at " + std::to_string(rate.numerator) +
-                        "/" + std::to_string(rate.denominator) + " frames a second");
+        throw Exception("The media framework has no such pictures");
     }
     info.fps_n = rate.numerator;
     info.fps_d = rate.denominator;
@@ -85,9 +91,7 @@ Input InputOf(const Proc::IFrameVideo& frame, const Proc::FrameRate& rate) {
 
 Input InputOf(const Proc::IFrameAudio& frame) {
     const Proc::SampleInfo sampleInfo = frame.GetSampleInfo();
-    if (sampleInfo.rate <= 0) {
-        throw Exception("Sound of " + std::to_string(sampleInfo.rate) + " samples a second");
-    }
+    Require(Modules::FindFault(sampleInfo));
     GstAudioInfo info;
     gst_audio_info_init(&info);
     gst_audio_info_set_format(&info, GST_AUDIO_FORMAT_S16, sampleInfo.rate,

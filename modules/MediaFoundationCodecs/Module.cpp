@@ -1,7 +1,6 @@
 #include "core/module/Module.h"
 
 #include "core/media/CodecFactory.h"
-#include "core/media/CoreManager.h"
 #include "core/media/Presets.h"
 #include "core/support/Exception.h"
 #include "modules/MediaFoundationCodecs/Decoder.h"
@@ -13,18 +12,27 @@ namespace Tarnex::MediaFoundation {
 namespace {
 
 using Core::CoderType;
+using Modules::IsSingleThreaded;
+using Modules::ReadEncoderOptions;
+using Modules::RequireStream;
 using Proc::MediaKind;
 
+/// Where the framework doesn't start, its whole table is offered: each codec's test then fails with
+/// the framework's reason, and other implementations' codecs are tested as ever.
 bool IsOffered(const Codec& codec, CoderType type) {
+    const bool isStarted = StartFramework().empty();
     if (type == CoderType::Decoder) {
-        return HasDecoder(codec.caps);
+        return !isStarted || HasDecoder(codec.caps);
     }
-    return type == CoderType::Encoder && codec.encoder != nullptr && HasElement(codec.encoder);
+    return type == CoderType::Encoder && codec.encoder != nullptr &&
+           (!isStarted || HasElement(codec.encoder));
 }
 
 /// The codec, once it is known that a coder for it can be made.
 const Codec& Offered(const std::string& codecId, MediaKind kind, CoderType type) {
-    StartFramework();
+    if (!StartFramework().empty()) {
+        throw Exception(StartFramework());
+    }
     const Codec* const codec = FindCodec(codecId);
     if (codec == nullptr || codec->kind != kind || !IsOffered(*codec, type)) {
         throw Exception("The system's media framework offers no " +
@@ -34,22 +42,12 @@ const Codec& Offered(const std::string& codecId, MediaKind kind, CoderType type)
     return *codec;
 }
 
-bool IsSingleThreaded() {
-    const auto resources = Core::CoreManager::Instance().GetComputingResourceManager();
-    return resources->computingResourcesFlag;
-}
-
 const Codec& OfferedDecoder(const Proc::ICodedStream& input, MediaKind kind) {
     return Offered(input.GetCodecFormat()->GetCodecID(), kind, CoderType::Decoder);
 }
 
 const Codec& OfferedEncoder(const Proc::Property& property, MediaKind kind) {
     return Offered(property.Get(Conf::IPreset::ITEM_CODEC_ID), kind, CoderType::Encoder);
-}
-
-EncoderOptions OptionsOf(const Proc::Property& property) {
-    return {.isFastest = property.Get(Conf::IPreset::ITEM_SPEED) == Conf::IPreset::SPEED_FASTEST,
-            .isSingleThreaded = IsSingleThreaded()};
 }
 
 class Codecs : public Module::ICodecModule {
@@ -62,7 +60,6 @@ public:
     }
 
     std::vector<std::string> GetCodecs(CoderType type) override {
-        StartFramework();
         std::vector<std::string> ids;
         for (const Codec& codec : AllCodecs()) {
             if (IsOffered(codec, type)) {
@@ -82,13 +79,13 @@ public:
     }
     Proc::Pointer<Proc::ICodedStream> CreateVideoEncoder(
         const Proc::Pointer<Proc::IStreamVideo>& stream, const Proc::Property& property) override {
-        return NewVideoEncoder(OfferedEncoder(property, MediaKind::Video), stream,
-                               OptionsOf(property));
+        return NewVideoEncoder(OfferedEncoder(property, MediaKind::Video), RequireStream(stream),
+                               ReadEncoderOptions(property));
     }
     Proc::Pointer<Proc::ICodedStream> CreateAudioEncoder(
         const Proc::Pointer<Proc::IStreamAudio>& stream, const Proc::Property& property) override {
-        return NewAudioEncoder(OfferedEncoder(property, MediaKind::Audio), stream,
-                               OptionsOf(property));
+        return NewAudioEncoder(OfferedEncoder(property, MediaKind::Audio), RequireStream(stream),
+                               ReadEncoderOptions(property));
     }
 };
 

@@ -27,7 +27,7 @@ public:
     /// The next sample that holds more than headers, empty at the end. Calls `feed`, which pushes
     /// some input or returns false at its end, whenever the pipeline waits for input. Throws
     /// `Tarnex::Exception` for what an element reports and for an end without any output.
-    GstOwner<GstSample> Next(const std::function<bool()>& feed);
+    [[nodiscard]] GstOwner<GstSample> Next(const std::function<bool()>& feed);
 
 private:
     enum class Event { Output, Failure, End, Input };

@@ -40,8 +40,10 @@ void GlContext::Open() {
     const EGLint onePixel[] = {EGL_WIDTH, 1, EGL_HEIGHT, 1, EGL_NONE};
     EGLint count = 0;
     Require(eglBindAPI(EGL_OPENGL_API) == EGL_TRUE, "eglBindAPI");
-    Require(eglChooseConfig(display, wanted, &config, 1, &count) == EGL_TRUE && count > 0,
-            "eglChooseConfig");
+    Require(eglChooseConfig(display, wanted, &config, 1, &count) == EGL_TRUE, "eglChooseConfig");
+    if (count == 0) {
+        throw Exception("eglChooseConfig found no configuration for OpenGL without a window");
+    }
     surface = eglCreatePbufferSurface(display, config, onePixel);
     Require(surface != EGL_NO_SURFACE, "eglCreatePbufferSurface");
     context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);

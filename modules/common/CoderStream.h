@@ -6,58 +6,51 @@
 #include <string>
 #include <utility>
 
-#include "core/media/Frames.h"
-#include "core/media/Streams.h"
+#include "core/media/StreamBase.h"
 
 namespace Tarnex::Modules {
 
-/// What every coder answers alike. A coder adds its format, `MakeNext` and `Restart`.
-/// `Interface` is the stream interface that the coder offers. Thread-bound.
+/// A stream whose reads are measured. It adds its format, its place and `MakeNext`.
 template <class Interface>
-class CoderStream : public Proc::RefCounted<Interface> {
+class MeasuredStream : public Proc::StreamBase<Interface> {
 public:
-    /// `source` is what the coder reads; `name` heads its statistics.
-    CoderStream(Proc::Pointer<Proc::IStream> source, std::string name)
-        : source(std::move(source)), name(std::move(name)) {}
+    using Proc::StreamBase<Interface>::StreamBase;
 
     Proc::Pointer<Proc::IData> ReadNext() override {
         const auto start = std::chrono::steady_clock::now();
         Proc::Pointer<Proc::IData> data = MakeNext();
-        readTime += std::chrono::steady_clock::now() - start;
-        count += data ? 1 : 0;
+        this->readTime += std::chrono::steady_clock::now() - start;
+        this->frameCount += data ? 1 : 0;
         return data;
     }
+
+protected:
+    /// One frame or packet, empty at the end.
+    virtual Proc::Pointer<Proc::IData> MakeNext() = 0;
+};
+
+/// What every coder answers alike: its place is that of the stream that it reads. A coder adds its
+/// format, `MakeNext` and `Restart`. Thread-bound.
+template <class Interface, class Base = MeasuredStream<Interface>>
+class CoderStream : public Base {
+public:
+    /// `source` is what the coder reads; it isn't null. `name` heads the statistics.
+    CoderStream(Proc::Pointer<Proc::IStream> source, std::string name)
+        : Base(std::move(name)), source(std::move(source)) {}
+
     void Seek(std::int64_t position, Proc::Pointer<Proc::IRefCountable> hint) override {
         source->Seek(position, std::move(hint));
         Restart();
     }
     std::int64_t GetDuration() const override { return source->GetDuration(); }
     std::int64_t GetPosition() const override { return source->GetPosition(); }
-    Proc::Property GetStreamProperty() const override { return Proc::Property::GetRootItem(); }
-    Proc::Property GetStatistic() const override {
-        Proc::Property root = Proc::Property::GetRootItem();
-        root.Add(Proc::Property::MakeStatistics(name, readTime, count));
-        return root;
-    }
-    void Prepare() override {}
-    bool QueryTrue() const override { return true; }
-    bool QueryFalse() const override { return false; }
-    void EmptyOperationA() override {}
-    void EmptyOperationB() override {}
-    void EmptyOperationC() override {}
-    void EmptyOperationD() override {}
 
 protected:
-    /// One frame or packet, empty at the end.
-    virtual Proc::Pointer<Proc::IData> MakeNext() = 0;
     /// The source was moved: forget what was read of it.
     virtual void Restart() = 0;
 
 private:
     Proc::Pointer<Proc::IStream> source;
-    std::string name;
-    std::chrono::nanoseconds readTime{};
-    std::uint64_t count = 0;
 };
 
 /// The same for a decoder, whose frames can be read by their own type too.

@@ -1,6 +1,5 @@
 #include "modules/libav/CodecModule.h"
 
-#include "core/media/CoreManager.h"
 #include "core/media/Presets.h"
 #include "core/support/Exception.h"
 #include "modules/libav/Decoder.h"
@@ -10,24 +9,10 @@ namespace Tarnex::Libav {
 namespace {
 
 using Core::CoderType;
+using Modules::IsSingleThreaded;
+using Modules::ReadEncoderOptions;
+using Modules::RequireStream;
 using Proc::Pointer;
-
-bool IsSingleThreaded() {
-    return Core::CoreManager::Instance().GetComputingResourceManager()->computingResourcesFlag;
-}
-
-template <class Stream>
-const Pointer<Stream>& RequireStream(const Pointer<Stream>& stream) {
-    if (!stream) {
-        throw Exception("There is no stream to encode");
-    }
-    return stream;
-}
-
-EncoderOptions ReadOptions(const Proc::Property& property) {
-    return {.isFastest = property.Get(Conf::IPreset::ITEM_SPEED) == Conf::IPreset::SPEED_FASTEST,
-            .isSingleThreaded = IsSingleThreaded()};
-}
 
 }  // namespace
 
@@ -62,14 +47,14 @@ Pointer<Proc::ICodedStream> CodecModule::CreateVideoEncoder(
     const Pointer<Proc::IStreamVideo>& stream, const Proc::Property& property) {
     const std::string codecId = property.Get(Conf::IPreset::ITEM_CODEC_ID);
     return new Encoder(Require(CoderType::Encoder, AVMEDIA_TYPE_VIDEO, codecId),
-                       RequireStream(stream), ReadOptions(property));
+                       RequireStream(stream), ReadEncoderOptions(property));
 }
 
 Pointer<Proc::ICodedStream> CodecModule::CreateAudioEncoder(
     const Pointer<Proc::IStreamAudio>& stream, const Proc::Property& property) {
     const std::string codecId = property.Get(Conf::IPreset::ITEM_CODEC_ID);
     return new Encoder(Require(CoderType::Encoder, AVMEDIA_TYPE_AUDIO, codecId),
-                       RequireStream(stream), ReadOptions(property));
+                       RequireStream(stream), ReadEncoderOptions(property));
 }
 
 const AVCodec& CodecModule::Require(CoderType type, AVMediaType kind,

@@ -32,18 +32,26 @@ void CoderLog::Append(const char* line) {
     }
 }
 
-void CoderLog::Fail(const std::string& failure) const {
+std::string CoderLog::Explain(const std::string& failure) const {
     std::string message = owner + ": " + failure;
     if (!text.empty()) {
         message += "; libav logged: " + text.substr(0, text.find_last_not_of('\n') + 1);
     }
-    throw Exception(message);
+    return message;
+}
+
+std::string CoderLog::Explain(const std::string& failure, int libavError) const {
+    std::array<char, AV_ERROR_MAX_STRING_SIZE> reason{};
+    av_strerror(libavError, reason.data(), reason.size());
+    return Explain(failure + ": " + reason.data());
+}
+
+void CoderLog::Fail(const std::string& failure) const {
+    throw Exception(Explain(failure));
 }
 
 void CoderLog::Fail(const std::string& failure, int libavError) const {
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> reason{};
-    av_strerror(libavError, reason.data(), reason.size());
-    Fail(failure + ": " + reason.data());
+    throw Exception(Explain(failure, libavError));
 }
 
 LogScope::LogScope(CoderLog& log) : outer(current) {

@@ -13,7 +13,11 @@ public:
 
     void Append(const char* line);
 
-    /// Throws `Tarnex::Exception`: owner, what it couldn't do, and what libav logged.
+    /// The text of a failure: owner, what it couldn't do, and what libav has logged so far.
+    std::string Explain(const std::string& failure) const;
+    std::string Explain(const std::string& failure, int libavError) const;
+
+    /// Throws that text as a `Tarnex::Exception`.
     [[noreturn]] void Fail(const std::string& failure) const;
     [[noreturn]] void Fail(const std::string& failure, int libavError) const;
 

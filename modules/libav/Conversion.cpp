@@ -9,16 +9,6 @@ namespace {
 
 using Proc::Pointer;
 
-AVPixelFormat ToAvFormat(Proc::PixFmt format) {
-    switch (format) {
-        case Proc::PixFmt::Nv12:
-            return AV_PIX_FMT_NV12;
-        case Proc::PixFmt::Yuv420p:
-            return AV_PIX_FMT_YUV420P;
-    }
-    throw Exception("Unknown pixel format " + std::to_string(static_cast<int>(format)));
-}
-
 void ReleaseFrame(void* frame, std::uint8_t*) {
     intrusive_ptr_release(static_cast<Proc::IFrameVideo*>(frame));
 }
@@ -51,6 +41,16 @@ void AddPalette(AVFrame& picture) {
 }
 
 }  // namespace
+
+AVPixelFormat ToAvFormat(Proc::PixFmt format) {
+    switch (format) {
+        case Proc::PixFmt::Nv12:
+            return AV_PIX_FMT_NV12;
+        case Proc::PixFmt::Yuv420p:
+            return AV_PIX_FMT_YUV420P;
+    }
+    throw Exception("Unknown pixel format " + std::to_string(static_cast<int>(format)));
+}
 
 Handle<AVFrame> ToAvFrame(const Pointer<Proc::IFrameVideo>& frame) {
     Handle<AVFrame> picture = Own(av_frame_alloc());

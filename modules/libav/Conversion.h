@@ -6,11 +6,14 @@
 
 namespace Tarnex::Libav {
 
+/// Throws `Tarnex::Exception` for a value that is none.
+AVPixelFormat ToAvFormat(Proc::PixFmt format);
+
 /// The core's frame as libav's. The pixels are shared, not copied. Throws `Tarnex::Exception` for a
 /// frame that has no planes or no known pixel format.
-Handle<AVFrame> ToAvFrame(const Proc::Pointer<Proc::IFrameVideo>& frame);
+[[nodiscard]] Handle<AVFrame> ToAvFrame(const Proc::Pointer<Proc::IFrameVideo>& frame);
 /// The same for sound; the frame must outlive the result.
-Handle<AVFrame> ToAvFrame(const Proc::IFrameAudio& frame);
+[[nodiscard]] Handle<AVFrame> ToAvFrame(const Proc::IFrameAudio& frame);
 
 struct PictureForm {
     AVPixelFormat format;
@@ -24,7 +27,7 @@ public:
     explicit PictureConverter(CoderLog& log) : log(log) {}
 
     /// The picture in that form; itself where it has it.
-    Handle<AVFrame> Convert(Handle<AVFrame> picture, const PictureForm& form);
+    [[nodiscard]] Handle<AVFrame> Convert(Handle<AVFrame> picture, const PictureForm& form);
 
 private:
     CoderLog& log;
@@ -37,8 +40,8 @@ public:
     explicit SoundConverter(CoderLog& log) : log(log) {}
 
     /// The sound in that form, without what the resampler keeps back.
-    Handle<AVFrame> Convert(const AVFrame& sound, AVSampleFormat format, int rate,
-                            const AVChannelLayout& layout);
+    [[nodiscard]] Handle<AVFrame> Convert(const AVFrame& sound, AVSampleFormat format, int rate,
+                                          const AVChannelLayout& layout);
 
 private:
     CoderLog& log;

@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "core/media/FrameTiming.h"
+#include "modules/common/CoderStream.h"
 #include "modules/libav/Conversion.h"
+#include "modules/libav/FrameDecoder.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 namespace {
@@ -14,7 +17,8 @@ using Proc::Pointer;
 template <class Interface>
 class DecodedFrame : public Proc::FrameTiming<Interface> {
 public:
-    explicit DecodedFrame(Handle<AVFrame> decoded) : frame(std::move(decoded)) {
+    DecodedFrame(Handle<AVFrame> decoded, std::int64_t length)
+        : Proc::FrameTiming<Interface>(length), frame(std::move(decoded)) {
         this->SetFrameTime(frame->pts);
     }
 
@@ -22,9 +26,14 @@ protected:
     Handle<AVFrame> frame;
 };
 
+Proc::PixFmt ToPixFmt(int format) {
+    return format == AV_PIX_FMT_NV12 ? Proc::PixFmt::Nv12 : Proc::PixFmt::Yuv420p;
+}
+
 class DecodedPicture : public DecodedFrame<Proc::IFrameVideo> {
 public:
-    explicit DecodedPicture(Handle<AVFrame> decoded) : DecodedFrame(std::move(decoded)) {
+    DecodedPicture(Handle<AVFrame> decoded, std::int64_t length)
+        : DecodedFrame(std::move(decoded), length) {
         const int chromaHeight = (frame->height + 1) / 2;
         planes.push_back({frame->data[0], frame->linesize[0], frame->height});
         planes.push_back({frame->data[1], frame->linesize[1], chromaHeight});
@@ -33,17 +42,13 @@ public:
         }
     }
 
-    Proc::PixFmt GetPixelFormat() const override {
-        return frame->format == AV_PIX_FMT_NV12 ? Proc::PixFmt::Nv12 : Proc::PixFmt::Yuv420p;
-    }
+    Proc::PixFmt GetPixelFormat() const override { return ToPixFmt(frame->format); }
     Proc::FrameInfo GetFrameInfo() const override {
         return {frame->width, frame->height, std::max(frame->sample_aspect_ratio.num, 1),
                 std::max(frame->sample_aspect_ratio.den, 1)};
     }
     Proc::ColorSpace GetColorSpace() const override {
-        return {static_cast<std::uint32_t>(frame->color_primaries),
-                static_cast<std::uint32_t>(frame->color_trc),
-                static_cast<std::uint32_t>(frame->colorspace)};
+        return ToColorSpace(frame->color_primaries, frame->color_trc, frame->colorspace);
     }
     const std::vector<Proc::Plane>& GetPlanes() const override { return planes; }
 
@@ -60,7 +65,9 @@ Proc::SampleInfo MakeSampleInfo(int rate, int channels) {
 
 class DecodedSound : public DecodedFrame<Proc::IFrameAudio> {
 public:
-    using DecodedFrame::DecodedFrame;
+    explicit DecodedSound(Handle<AVFrame> decoded) : DecodedFrame(std::move(decoded), 0) {
+        SetFrameLength(av_rescale(frame->nb_samples, MILLISECONDS.den, frame->sample_rate));
+    }
 
     Proc::SampleInfo GetSampleInfo() const override {
         return MakeSampleInfo(frame->sample_rate, frame->ch_layout.nb_channels);
@@ -70,6 +77,24 @@ public:
     }
     std::uint8_t* GetSamples() const override { return frame->data[0]; }
 };
+
+std::int64_t DurationOf(const AVFrame& frame) {
+#if LIBAVUTIL_VERSION_INT < AV_VERSION_INT(57, 30, 100)
+    return frame.pkt_duration;
+#else
+    return frame.duration;
+#endif
+}
+
+/// A picture's; its packet need not say it, nor the stream. Milliseconds.
+std::int64_t LengthOf(const AVFrame& frame, const AVCodecContext& coder) {
+    const std::int64_t duration = DurationOf(frame);
+    if (duration > 0) {
+        return av_rescale_q(duration, coder.pkt_timebase, MILLISECONDS);
+    }
+    const AVRational rate = coder.framerate;
+    return rate.num > 0 && rate.den > 0 ? av_rescale_q(1, av_inv_q(rate), MILLISECONDS) : 0;
+}
 
 class VideoDecoder : public Modules::DecoderStream<Proc::IStreamVideo, Proc::IFrameVideo> {
 public:
@@ -85,6 +110,9 @@ public:
         format->InitByPixelAspect(coder.width, coder.height,
                                   std::max(coder.sample_aspect_ratio.num, 1),
                                   std::max(coder.sample_aspect_ratio.den, 1));
+        format->SetPixelFormat(ToPixFmt(coder.pix_fmt));
+        format->SetColorSpace(
+            ToColorSpace(coder.color_primaries, coder.color_trc, coder.colorspace));
         if (coder.framerate.num > 0 && coder.framerate.den > 0) {
             format->SetFrameRate(coder.framerate.num, coder.framerate.den);
         }
@@ -97,9 +125,9 @@ protected:
         if (!frame) {
             return {};
         }
-        const auto format = frame->format == AV_PIX_FMT_NV12 ? AV_PIX_FMT_NV12 : AV_PIX_FMT_YUV420P;
-        const PictureForm form{format, frame->width, frame->height};
-        return new DecodedPicture(converter.Convert(std::move(frame), form));
+        const std::int64_t length = LengthOf(*frame, decoder.GetContext());
+        const PictureForm form{ToAvFormat(ToPixFmt(frame->format)), frame->width, frame->height};
+        return new DecodedPicture(converter.Convert(std::move(frame), form), length);
     }
     void Restart() override { decoder.Restart(); }
 

@@ -1,38 +1,9 @@
 #pragma once
 
-#include "modules/libav/CoderLog.h"
-#include "modules/libav/Parameters.h"
+#include "core/media/Streams.h"
+#include "modules/libav/Handles.h"
 
 namespace Tarnex::Libav {
-
-/// A decoder of libavcodec: packets in, libav's frames out. Thread-bound.
-class FrameDecoder {
-public:
-    /// Throws `Tarnex::Exception` with the reason if the decoder can't be opened.
-    FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
-                 bool isSingleThreaded);
-
-    /// The next frame, empty at the end. Its time is in milliseconds.
-    Handle<AVFrame> Next();
-    /// The input was moved.
-    void Restart();
-
-    /// What it knows of the frames: all after the first one.
-    const AVCodecContext& GetContext() const { return *coder; }
-    CoderLog& GetLog() { return log; }
-
-private:
-    void Open();
-    void Feed();
-
-    const AVCodec& codec;
-    Proc::Pointer<Proc::ICodedStream> input;
-    bool isSingleThreaded;
-    CoderLog log;
-    Handle<AVCodecParameters> parameters;
-    Handle<AVCodecContext> coder;
-    bool gaveOutput = false;
-};
 
 /// A decoder whose frames are planar YUV 4:2:0 or NV12.
 Proc::Pointer<Proc::IStreamVideo> MakeVideoDecoder(const AVCodec& codec,

@@ -4,26 +4,29 @@
 
 #include "modules/libav/CodecTable.h"
 #include "modules/libav/Packet.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 
 using Proc::Pointer;
 
-Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream, EncoderOptions options)
-    : CodedStream(stream, codec.name),
+Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamVideo> stream,
+                 Modules::EncoderOptions options)
+    : CoderStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakePictureInput(std::move(stream), log)) {
     Open();
 }
 
-Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamAudio> stream, EncoderOptions options)
-    : CodedStream(stream, codec.name),
+Encoder::Encoder(const AVCodec& codec, Pointer<Proc::IStreamAudio> stream,
+                 Modules::EncoderOptions options)
+    : CoderStream(stream, codec.name),
       codec(codec),
       traits(GetTraits(codec)),
-      options(options),
+      options(std::move(options)),
       log(std::string("Encoder ") + codec.name),
       input(MakeSoundInput(std::move(stream), log)) {
     Open();
@@ -44,19 +47,30 @@ void Encoder::Open() {
     coder->thread_count = options.isSingleThreaded ? 1 : 0;
     input->Configure(*coder, traits);
 
-    AVDictionary* dictionary = nullptr;
-    av_dict_parse_string(&dictionary, traits.options, "=", " ", 0);
+    SetOptions(traits.options);
     if (options.isFastest) {
-        av_dict_parse_string(&dictionary, traits.fastest, "=", " ", 0);
+        SetOptions(traits.fastest);
     }
-    const int result = avcodec_open2(coder.get(), &codec, &dictionary);
-    av_dict_free(&dictionary);
-    log.Check(result, "opening");
+    SetOptions(options.own.c_str());
+    log.Check(avcodec_open2(coder.get(), &codec, nullptr), "opening");
 
     parameters = Own(avcodec_parameters_alloc());
     log.Check(avcodec_parameters_from_context(parameters.get(), coder.get()), "describing");
     if (traits.complete != nullptr) {
         traits.complete(*parameters);
+    }
+}
+
+void Encoder::SetOptions(const char* text) {
+    AVDictionary* dictionary = nullptr;
+    av_dict_parse_string(&dictionary, text, "=", " ", 0);
+    const int result = av_opt_set_dict2(coder.get(), &dictionary, AV_OPT_SEARCH_CHILDREN);
+    const AVDictionaryEntry* unknown = av_dict_get(dictionary, "", nullptr, AV_DICT_IGNORE_SUFFIX);
+    const std::string name = unknown == nullptr ? "" : unknown->key;
+    av_dict_free(&dictionary);
+    log.Check(result, "setting options");
+    if (!name.empty()) {
+        log.Fail("knows no option \"" + name + '"');
     }
 }
 

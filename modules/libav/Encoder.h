@@ -3,23 +3,21 @@
 #include <memory>
 #include <string>
 
+#include "modules/common/EncoderOptions.h"
+#include "modules/libav/CodedStream.h"
 #include "modules/libav/EncoderInput.h"
-#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 
-struct EncoderOptions {
-    bool isFastest = false;
-    bool isSingleThreaded = false;
-};
-
 /// An encoder of libavcodec. Its packets are in the form in which a parser of files would deliver
 /// them, so that decoders need not know where a stream comes from. Thread-bound.
-class Encoder : public CodedStream {
+class Encoder : public Modules::CoderStream<Proc::ICodedStream, CodedStream> {
 public:
     /// Throws `Tarnex::Exception` with the reason if the encoder can't be opened.
-    Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamVideo> stream, EncoderOptions options);
-    Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamAudio> stream, EncoderOptions options);
+    Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamVideo> stream,
+            Modules::EncoderOptions options);
+    Encoder(const AVCodec& codec, Proc::Pointer<Proc::IStreamAudio> stream,
+            Modules::EncoderOptions options);
 
     Proc::MediaKind GetMediaKind() const override;
     Proc::Pointer<Proc::IFormatCodec> GetCodecFormat() const override;
@@ -32,12 +30,14 @@ protected:
 
 private:
     void Open();
+    /// "key=value key=value". A key that the encoder doesn't know is a failure.
+    void SetOptions(const char* text);
     void Feed();
     Handle<AVPacket> Complete(Handle<AVPacket> packet) const;
 
     const AVCodec& codec;
     const EncoderTraits& traits;
-    EncoderOptions options;
+    Modules::EncoderOptions options;
     CoderLog log;
     std::unique_ptr<EncoderInput> input;
     Handle<AVCodecContext> coder;

@@ -19,7 +19,7 @@ public:
     virtual void Configure(AVCodecContext& encoder, const EncoderTraits& traits) = 0;
 
     /// The next frame, empty at the end.
-    virtual Handle<AVFrame> Next(const AVCodecContext& encoder) = 0;
+    [[nodiscard]] virtual Handle<AVFrame> Next(const AVCodecContext& encoder) = 0;
 
     /// Forgets what was read and not given.
     virtual void Restart() {}

@@ -9,6 +9,8 @@
 namespace Tarnex::Libav {
 namespace {
 
+constexpr char NVENC_FASTEST[] = "preset=p1 tune=ull";
+
 /// The header of a TTA file, without lengths and checksum.
 void CompleteTta(AVCodecParameters& parameters) {
     std::uint8_t header[22] = {'T', 'T', 'A', '1', 1, 0};
@@ -60,6 +62,7 @@ std::string PrefixFits(const AVCodecParameters& parameters) {
 
 constexpr EncoderTraits TRAITS[] = {
     {.name = "adpcm_ima_amv", .sampleRate = 22050, .channels = 1},
+    {.name = "av1_nvenc", .fastest = NVENC_FASTEST},
     {.name = "avui", .width = 720, .height = 576},
     {.name = "bitpacked", .complete = CompleteBitpacked},
     {.name = "cinepak", .fastest = "max_extra_cb_iterations=0 min_strips=32 max_strips=32"},
@@ -70,6 +73,8 @@ constexpr EncoderTraits TRAITS[] = {
     {.name = "g726", .sampleRate = 8000, .channels = 1},
     {.name = "g726le", .sampleRate = 8000, .channels = 1},
     {.name = "h261", .width = 352, .height = 288},
+    {.name = "h264_nvenc", .fastest = NVENC_FASTEST},
+    {.name = "hevc_nvenc", .fastest = NVENC_FASTEST},
     {.name = "jpeg2000", .fastest = "pred=dwt53"},
     {.name = "libaom-av1", .fastest = "usage=realtime cpu-used=8 row-mt=1 lag-in-frames=0"},
     {.name = "libgsm", .sampleRate = 8000, .channels = 1},

@@ -1,6 +1,7 @@
 #include "modules/libav/FileReader.h"
 
 #include "modules/libav/CodecTable.h"
+#include "modules/libav/CodedStream.h"
 #include "modules/libav/CoderLog.h"
 #include "modules/libav/Packet.h"
 #include "modules/libav/Parameters.h"
@@ -21,10 +22,7 @@ Handle<AVFormatContext> Open(const std::string& path, const CoderLog& log) {
 class FileStream : public CodedStream {
 public:
     FileStream(std::string newPath, std::size_t index)
-        : CodedStream(nullptr, newPath),
-          path(std::move(newPath)),
-          index(index),
-          log("File " + path) {
+        : CodedStream(newPath), path(std::move(newPath)), index(index), log("File " + path) {
         const LogScope scope(log);
         OpenStream();
     }
@@ -72,7 +70,6 @@ protected:
                                                  : packet->dts + packet->duration;
         return new Packet(std::move(packet), stream->time_base);
     }
-    void Restart() override {}
 
 private:
     void OpenStream() {

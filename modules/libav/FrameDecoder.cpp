@@ -1,8 +1,27 @@
-#include "modules/libav/Decoder.h"
+#include "modules/libav/FrameDecoder.h"
 
 #include <string>
 
+#include "core/support/Exception.h"
+#include "modules/libav/Parameters.h"
+
 namespace Tarnex::Libav {
+namespace {
+
+/// Not all decoders look at it themselves.
+void RequireDecodable(const AVCodecParameters& stream, const CoderLog& log) {
+    if (stream.codec_type == AVMEDIA_TYPE_VIDEO) {
+        if (stream.width <= 0 || stream.height <= 0) {
+            log.Fail("can't decode pictures of " + std::to_string(stream.width) + " by " +
+                     std::to_string(stream.height) + " pixels");
+        }
+    } else if (stream.sample_rate <= 0 || stream.ch_layout.nb_channels <= 0) {
+        log.Fail("can't decode " + std::to_string(stream.ch_layout.nb_channels) + " channels at " +
+                 std::to_string(stream.sample_rate) + " Hz");
+    }
+}
+
+}  // namespace
 
 FrameDecoder::FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
                            bool isSingleThreaded)
@@ -11,6 +30,7 @@ FrameDecoder::FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStrea
       isSingleThreaded(isSingleThreaded),
       log(std::string("Decoder ") + codec.name),
       parameters(GetParameters(*this->input)) {
+    RequireDecodable(*parameters, log);
     Open();
 }
 
@@ -30,12 +50,15 @@ Handle<AVFrame> FrameDecoder::Next() {
     const LogScope scope(log);
     Handle<AVFrame> frame = Own(av_frame_alloc());
     int result = 0;
-    while ((result = avcodec_receive_frame(coder.get(), frame.get())) == AVERROR(EAGAIN)) {
-        Feed();
-    }
+    do {
+        result = avcodec_receive_frame(coder.get(), frame.get());
+        if (result == AVERROR(EAGAIN)) {
+            Feed();
+        }
+    } while (result == AVERROR(EAGAIN) || IsBadPacket(result));
     if (result == AVERROR_EOF) {
         if (!gaveOutput) {
-            log.Fail("gave no output");
+            FailWithoutOutput();
         }
         return {};
     }
@@ -63,11 +86,33 @@ void FrameDecoder::Feed() {
     if (packet->size == 0) {
         return;  // such as the last one of FLAC, which corrects the extradata
     }
-    log.Check(avcodec_send_packet(coder.get(), packet.get()), "decoding");
+    const int result = avcodec_send_packet(coder.get(), packet.get());
+    if (!IsBadPacket(result)) {
+        log.Check(result, "decoding");
+    }
+}
+
+bool FrameDecoder::IsBadPacket(int result) {
+    if (result != AVERROR_INVALIDDATA) {
+        return false;
+    }
+    if (firstBadPacket.empty()) {
+        firstBadPacket = log.Explain("decoding", result);
+    }
+    return true;
+}
+
+void FrameDecoder::FailWithoutOutput() const {
+    if (!firstBadPacket.empty()) {
+        throw Exception(firstBadPacket);
+    }
+    log.Fail("gave no output");
 }
 
 void FrameDecoder::Restart() {
     avcodec_flush_buffers(coder.get());
+    firstBadPacket.clear();
+    gaveOutput = false;
 }
 
 }  // namespace Tarnex::Libav

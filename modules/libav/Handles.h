@@ -5,6 +5,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/audio_fifo.h>
 #include <libavutil/cpu.h>
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 #include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
@@ -31,7 +32,7 @@ using Handle = std::unique_ptr<T, Release>;
 
 /// What libav made, or `std::bad_alloc` where it had no memory for it.
 template <class T>
-Handle<T> Own(T* made) {
+[[nodiscard]] Handle<T> Own(T* made) {
     if (made == nullptr) {
         throw std::bad_alloc();
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "modules/libav/CodecTable.h"
+#include "modules/libav/CodedStream.h"
 #include "modules/libav/Packet.h"
 
 namespace Tarnex::Libav {
@@ -22,9 +23,8 @@ Pointer<Proc::IFormatCodec> MakeVideoFormat(const AVCodecParameters& parameters,
     if (rate.num > 0 && rate.den > 0) {
         format->SetFrameRate(rate.num, rate.den);
     }
-    format->SetColorSpace({static_cast<std::uint32_t>(parameters.color_primaries),
-                           static_cast<std::uint32_t>(parameters.color_trc),
-                           static_cast<std::uint32_t>(parameters.color_space)});
+    format->SetColorSpace(
+        ToColorSpace(parameters.color_primaries, parameters.color_trc, parameters.color_space));
     return format;
 }
 
@@ -56,6 +56,12 @@ void Describe(AVCodecParameters& parameters, const Proc::IFormatCodec& format) {
 }
 
 }  // namespace
+
+Proc::ColorSpace ToColorSpace(AVColorPrimaries primaries, AVColorTransferCharacteristic transfer,
+                              AVColorSpace matrix) {
+    return {static_cast<std::uint32_t>(primaries), static_cast<std::uint32_t>(transfer),
+            static_cast<std::uint32_t>(matrix)};
+}
 
 Pointer<Proc::IFormatCodec> MakeFormat(const AVCodecParameters& parameters, AVRational frameRate) {
     Pointer<Proc::IFormatCodec> format = parameters.codec_type == AVMEDIA_TYPE_VIDEO

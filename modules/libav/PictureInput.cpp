@@ -1,33 +1,24 @@
-#include <algorithm>
 #include <string>
 
+#include "modules/common/CoderLimits.h"
 #include "modules/libav/Conversion.h"
 #include "modules/libav/EncoderInput.h"
 
 namespace Tarnex::Libav {
 namespace {
 
-/// Some encoders loop or abort below and above.
-constexpr int MIN_SIDE = 16;
-constexpr int MAX_SIDE = 16384;
-
-bool IsEncodable(const Proc::FrameInfo& info, const Proc::FrameRate& rate) {
-    return std::min(info.width, info.height) >= MIN_SIDE &&
-           std::max(info.width, info.height) <= MAX_SIDE && info.aspectX > 0 && info.aspectY > 0 &&
-           rate.numerator > 0 && rate.denominator > 0;
-}
-
-std::string Describe(const Proc::FrameInfo& info, const Proc::FrameRate& rate) {
-    return std::to_string(info.width) + " by " + std::to_string(info.height) + " pixels of " +
-           std::to_string(info.aspectX) + ":" + std::to_string(info.aspectY) + " at " +
-           std::to_string(rate.numerator) + "/" + std::to_string(rate.denominator) + " frames";
-}
-
 AVPixelFormat ChoosePixelFormat(const AVCodec& encoder, Proc::PixFmt source) {
-    const AVPixelFormat given = source == Proc::PixFmt::Nv12 ? AV_PIX_FMT_NV12 : AV_PIX_FMT_YUV420P;
+    const AVPixelFormat given = ToAvFormat(source);
     return encoder.pix_fmts == nullptr
                ? given
                : avcodec_find_best_pix_fmt_of_list(encoder.pix_fmts, given, 0, nullptr);
+}
+
+void SetColors(AVCodecContext& encoder, const Proc::ColorSpace& space) {
+    const bool isRgb = (av_pix_fmt_desc_get(encoder.pix_fmt)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+    encoder.color_primaries = static_cast<AVColorPrimaries>(space.primaries);
+    encoder.color_trc = static_cast<AVColorTransferCharacteristic>(space.transfer);
+    encoder.colorspace = isRgb ? AVCOL_SPC_RGB : static_cast<AVColorSpace>(space.matrix);
 }
 
 class PictureInput : public EncoderInput {
@@ -39,8 +30,8 @@ public:
         const Proc::Pointer<Proc::IFormatCodecVideo> format = stream->GetFormatCodec();
         const Proc::FrameInfo info = format->GetFrameInfo();
         const Proc::FrameRate rate = format->GetFrameRate();
-        if (!IsEncodable(info, rate)) {
-            log.Fail("can't encode " + Describe(info, rate));
+        if (const std::string fault = Modules::FindFault(info, rate); !fault.empty()) {
+            log.Fail(fault);
         }
         encoder.width = traits.width == 0 ? info.width : traits.width;
         encoder.height = traits.height == 0 ? info.height : traits.height;
@@ -50,6 +41,7 @@ public:
         encoder.pix_fmt = traits.pixelFormat == AV_PIX_FMT_NONE
                               ? ChoosePixelFormat(*encoder.codec, format->GetPixelFormat())
                               : traits.pixelFormat;
+        SetColors(encoder, format->GetColorSpace());
     }
 
     Handle<AVFrame> Next(const AVCodecContext& encoder) override {

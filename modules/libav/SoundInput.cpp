@@ -1,20 +1,14 @@
-#include <algorithm>
 #include <string>
 
+#include "modules/common/CoderLimits.h"
 #include "modules/libav/Conversion.h"
 #include "modules/libav/EncoderInput.h"
 
 namespace Tarnex::Libav {
 namespace {
 
-constexpr int MAX_RATE = 768000;
-
 /// For encoders that take frames of any size.
 constexpr int SAMPLES_PER_FRAME = 1024;
-
-bool IsKnown(Proc::ChannelLayout layout) {
-    return layout == Proc::ChannelLayout::Mono || layout == Proc::ChannelLayout::Stereo;
-}
 
 /// `wanted` where the list, which ends with `end`, is missing or has it; else the list's first.
 template <class T>
@@ -59,9 +53,8 @@ public:
 
     void Configure(AVCodecContext& encoder, const EncoderTraits& traits) override {
         const Proc::SampleInfo info = stream->GetFormatCodec()->GetSampleInfo();
-        if (info.rate <= 0 || info.rate > MAX_RATE || !IsKnown(info.layout)) {
-            log.Fail("can't encode " + std::to_string(static_cast<int>(info.layout)) +
-                     " channels at " + std::to_string(info.rate) + " Hz");
+        if (const std::string fault = Modules::FindFault(info); !fault.empty()) {
+            log.Fail(fault);
         }
         const AVCodec& coder = *encoder.codec;
         encoder.sample_fmt = ChooseSampleFormat(coder);

@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <gst/gst.h>
 #include <gtest/gtest.h>
 
@@ -5,9 +6,22 @@
 #include <cstdlib>
 #include <vector>
 
-#include "core/support/Exception.h"
-#include "modules/common/CoderStream.h"
+#include "core/media/StreamBase.h"
 #include "tests/modules/Coders.h"
+
+namespace {
+bool isFrameworkBroken = false;
+}
+
+/// Stands before the framework's own function, which it calls unless the start is to fail.
+extern "C" TARNEX_API gboolean gst_init_check(int* argc, char*** argv, GError** error) {
+    if (isFrameworkBroken) {
+        g_set_error_literal(error, GST_LIBRARY_ERROR, GST_LIBRARY_ERROR_INIT, "no such luck");
+        return FALSE;
+    }
+    return reinterpret_cast<decltype(gst_init_check)*>(dlsym(RTLD_NEXT, "gst_init_check"))(
+        argc, argv, error);
+}
 
 namespace Tarnex::Tests {
 
@@ -17,22 +31,10 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* IMPLEMENTATION = Proc::ImplNames::MEDIA_FOUNDATION;
 
-class Packet : public Proc::RefCounted<Proc::IPacket> {
-public:
-    explicit Packet(Bytes data) : data(std::move(data)) {}
-    const std::uint8_t* GetData() const override { return data.data(); }
-    std::size_t GetSize() const override { return data.size(); }
-    std::int64_t GetTime() const override { return 0; }
-    bool IsKey() const override { return true; }
-
-private:
-    Bytes data;
-};
-
 /// A coded stream of three packets that no decoder can make anything of.
-class Garbage : public Modules::CoderStream<Proc::ICodedStream> {
+class Garbage : public Proc::StreamBase<Proc::ICodedStream> {
 public:
-    Garbage(const std::string& codecId, const Bytes& extraData) : CoderStream(nullptr, "Garbage") {
+    Garbage(const std::string& codecId, const Bytes& extraData) : StreamBase("Garbage") {
         if (Proc::IsVideoCodec(codecId)) {
             const auto video = Proc::IFormatCodecVideo::Create();
             video->InitByPixelAspect(352, 288, 1, 1);
@@ -53,15 +55,26 @@ public:
     }
     Proc::Pointer<Proc::IFormatCodec> GetCodecFormat() const override { return format; }
 
-protected:
-    Proc::Pointer<Proc::IData> MakeNext() override {
+    void ForgetForm() {
+        const std::string codecId = format->GetCodecID();
+        if (Proc::IsVideoCodec(codecId)) {
+            format = Proc::IFormatCodecVideo::Create();
+        } else {
+            format = Proc::IFormatCodecAudio::Create();
+        }
+        format->SetCodecID(codecId);
+    }
+
+    std::int64_t GetDuration() const override { return 0; }
+    std::int64_t GetPosition() const override { return 0; }
+    void Seek(std::int64_t, Proc::Pointer<Proc::IRefCountable>) override {}
+    Proc::Pointer<Proc::IData> ReadNext() override {
         if (packets == 0) {
             return nullptr;
         }
         --packets;
-        return new Packet(Bytes(1000, 0xFF));
+        return new ForeignPacket(Bytes(1000, 0xFF));
     }
-    void Restart() override {}
 
 private:
     Proc::Pointer<Proc::IFormatCodec> format;
@@ -70,12 +83,7 @@ private:
 
 /// The failure text of a decoder that reads garbage, empty if it takes it.
 std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
-    try {
-        Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext();
-        return {};
-    } catch (const Exception& exception) {
-        return exception.what();
-    }
+    return ThrownBy([&] { Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext(); });
 }
 
 [[noreturn]] void UseFrameworkForTheFirstTime() {
@@ -100,6 +108,27 @@ TEST(FrameworkDeathTest, StartsWhenItIsAskedAndKeepsQuiet) {
     EXPECT_EXIT(UseFrameworkForTheFirstTime(), testing::ExitedWithCode(0), testing::Eq(""));
 }
 
+[[noreturn]] void UseBrokenFramework() {
+    isFrameworkBroken = true;
+    const std::string reason = "The system's media framework doesn't start: no such luck";
+    const auto factory = Factory();
+    const auto decoders = factory->GetDecoderCodecs(IMPLEMENTATION);
+    const auto encoders = factory->GetEncoderCodecs(IMPLEMENTATION);
+    bool failAll = decoders.size() > encoders.size() && !encoders.empty();
+    for (const std::string& id : decoders) {
+        failAll = failAll && DecodeGarbage(id, {}) == reason;
+    }
+    for (const std::string& id : encoders) {
+        failAll = failAll && ThrownBy([&] { Encode(id, IMPLEMENTATION); }) == reason;
+    }
+    std::_Exit(failAll ? 0 : 1);
+}
+
+TEST(FrameworkDeathTest, ItsCodersFailOneByOneWhereItDoesNotStart) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(UseBrokenFramework(), testing::ExitedWithCode(0), "");
+}
+
 TEST(Framework, GarbageIsAFailureThatNamesTheCodec) {
     for (const std::string& codecId : Factory()->GetDecoderCodecs(IMPLEMENTATION)) {
         const std::string text = DecodeGarbage(codecId, {});
@@ -112,6 +141,39 @@ TEST(Framework, FailuresSayWhatTheElementSays) {
               "The decoder of CODEC_ID_DVVIDEO: dvdec: Could not decode stream. "
               "(Input buffer too small)");
     EXPECT_EQ(DecodeGarbage("CODEC_ID_VP8", {}), "The decoder of CODEC_ID_VP8 gave no output");
+}
+
+TEST(Framework, AbsurdStreamsAreRefused) {
+    using Core::Utils::FakeStreamAudio;
+    using Core::Utils::FakeStreamVideo;
+    const Proc::Pointer<FakeStreamVideo> pictures(
+        new FakeStreamVideo(IMPLEMENTATION, "CODEC_ID_VP8"));
+    pictures->GetFormatCodec()->SetFrameRate(0, 1);
+    const Proc::Pointer<FakeStreamAudio> sound(new FakeStreamAudio());
+    sound->GetFormatCodec()->SetSampleInfo(
+        {Proc::SampleFormats::S16, 44100, Proc::ChannelLayout{}});
+    const struct {
+        const char* id;
+        Proc::Pointer<Proc::IStream> stream;
+        const char* text;
+    } rows[] = {
+        {"CODEC_ID_VP8", pictures,
+         "The encoder of CODEC_ID_VP8: can't encode 1920 by 1080 pixels of 1:1 at 0/1 frames a "
+         "second"},
+        {"CODEC_ID_OPUS", sound,
+         "The encoder of CODEC_ID_OPUS: can't encode 0 channels at 44100 Hz"},
+        {"CODEC_ID_OPUS", nullptr, "There is no stream to encode"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ThrownBy([&] { Encode(row.id, row.stream, IMPLEMENTATION); }), row.text);
+    }
+    const char* const undecodable = " was given a stream without size, rate or channels";
+    for (const std::string id : {"CODEC_ID_VP8", "CODEC_ID_OPUS"}) {
+        const Proc::Pointer<Garbage> input(new Garbage(id, {}));
+        input->ForgetForm();
+        EXPECT_EQ(ThrownBy([&] { Decode(input, IMPLEMENTATION); }),
+                  "The decoder of " + id + undecodable);
+    }
 }
 
 TEST(Framework, MalformedExtraDataIsAFailure) {

@@ -12,6 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 
 class CoreManagerTest : public testing::Test {
 protected:
@@ -58,25 +59,26 @@ TEST_F(CoreManagerTest, OffersWhatTheStartedModulesOffer) {
 }
 
 TEST_F(CoreManagerTest, LeavesDisabledPluginsOut) {
-    Start({"First", "Parser"});
+    Start({"First"});
     EXPECT_THAT(core.GetCodecFactory()->GetEncoderCodecs("FIRST_IMPL"), IsEmpty());
     EXPECT_EQ(AskedForEncoder("A", nullptr), "SECOND_IMPL");
-    EXPECT_THROW(
-        try { ClientAPI::OpenSource("some.file"); } catch (const Exception& failure) {
-            EXPECT_STREQ(failure.what(), "No module can open some.file; none is started");
-            throw;
-        },
-        Exception);
+}
+
+std::string OpeningFailure() {
+    try {
+        ClientAPI::OpenSource("some.file");
+    } catch (const Exception& failure) {
+        return failure.what();
+    }
+    return "none";
 }
 
 TEST_F(CoreManagerTest, SaysWhyNoParserOpensAFile) {
     Start({});
-    EXPECT_THROW(
-        try { ClientAPI::OpenSource("some.file"); } catch (const Exception& failure) {
-            EXPECT_STREQ(failure.what(), "No module can open some.file; not my format");
-            throw;
-        },
-        Exception);
+    EXPECT_THAT(OpeningFailure(),
+                MatchesRegex("No module can open some.file; .*int.*; not my format"));
+    core.Uninitialize();
+    EXPECT_EQ(OpeningFailure(), "No module can open some.file; none is started");
 }
 
 TEST_F(CoreManagerTest, IsUpBetweenStartAndEnd) {

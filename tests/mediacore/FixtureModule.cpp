@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <utility>
 
 #include "core/media/Presets.h"
 #include "core/module/Module.h"
@@ -9,7 +10,7 @@ using Tarnex::Core::CoderType;
 
 namespace {
 
-enum Behaviour { First, Second, Parser, LateParser, Refuses, Throws, BadName };
+enum Behaviour { First, Second, BadParser, Parser, Ogl, Refuses, Throws, BadName };
 
 /// Offers the video codec A and, as Second, the audio codec B besides. Its coders are exceptions
 /// that tell who was asked.
@@ -48,8 +49,22 @@ private:
 class RefusingParser : public Tarnex::Module::IParserModule {
 public:
     Pointer<IStreamReader> Open(const Tarnex::ioPath&) override {
+        if (BEHAVIOUR == BadParser) {
+            throw 7;
+        }
         throw Tarnex::Exception("not my format");
     }
+};
+
+class OneContext : public Tarnex::Module::IOglModule {
+    void Start() override {
+        if (std::exchange(started, true)) {
+            throw Tarnex::Exception("a second context");
+        }
+    }
+    void Stop() override { started = false; }
+
+    bool started = false;
 };
 
 }  // namespace
@@ -70,6 +85,10 @@ TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& de
             return false;
         case Throws:
             throw 7;
+        case Ogl:
+            description.ogl = new OneContext;
+            return true;
+        case BadParser:
         case Parser:
             description.parser = &parser;
             return true;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/media/Factories.h"
+#include "core/media/OglManager.h"
 
 namespace Tarnex::Proc {
 namespace {
@@ -12,7 +13,7 @@ std::string LoadFailure(void (*load)(const std::string&), const std::string& plu
     } catch (const std::exception& failure) {
         return failure.what();
     }
-    return "no failure";
+    return plugin + ": no failure";
 }
 
 TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
@@ -28,8 +29,14 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
         {CodecFactoryImpl::TryToLoadModule, "Parser", "offers no codecs"},
         {MuxerFactoryImpl::TryToLoadModule, "Parser", "offers no muxer"},
         {ParserFactoryImpl::TryToLoadModule, "First", "offers no parser"},
+        {EffectFactory::TryToLoadModule, "NegativeEffect", "refused to initialise (-1)"},
         {EffectFactory::TryToLoadModule, "First", "no entry point f0r_init"},
         {FilterFactory::TryToLoadModule, "First", "no entry point ladspa_descriptor"},
+        {FilterFactory::TryToLoadModule, "BothInterfaces", "no failure"},
+        {FilterFactory::TryToLoadModule, "EmptyLadspa", "describes no LADSPA filter"},
+        {FilterFactory::TryToLoadModule, "EmptyLv2", "describes no LV2 filter"},
+        {FilterFactory::TryToLoadModule, "SecondWithoutRun", "filter 1 has no run"},
+        {FilterFactory::TryToLoadModule, "FilterLibrary", "no failure"},
         {AnalyzerFactory::TryToLoadModule, "First", "no entry point vampGetPluginDescriptor"},
     };
     for (const Case& each : cases) {
@@ -38,6 +45,17 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
         EXPECT_THAT(failure, testing::HasSubstr(each.plugin));
         EXPECT_EQ(failure, LoadFailure(each.load, each.plugin)) << "at the second load";
     }
+}
+
+TEST(Modules, AnEffectMayGiveAnyOtherValueThanANegativeOne) {
+    EXPECT_NO_THROW(EffectFactory::TryToLoadModule("Effect"));
+}
+
+TEST(OglManager, StopsBeforeItStartsAgain) {
+    Ogl::OglManager& manager = Ogl::OglManager::GetInstance();
+    manager.Initialize();
+    EXPECT_NO_THROW(manager.Initialize());
+    manager.Deinitialize();
 }
 
 }  // namespace

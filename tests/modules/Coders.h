@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/media/CoreManager.h"
 #include "core/media/Presets.h"
+#include "core/support/Exception.h"
 #include "streams/FakeStreamAudio.h"
 #include "streams/FakeStreamVideo.h"
 
@@ -47,6 +49,30 @@ inline Pointer<Proc::IStream> Decode(const Pointer<Proc::ICodedStream>& input,
         return Factory()->CreateVideoDecoder(input, implementation);
     }
     return Factory()->CreateAudioDecoder(input, implementation);
+}
+
+/// A packet that isn't of any module.
+class ForeignPacket : public Proc::RefCounted<Proc::IPacket> {
+public:
+    explicit ForeignPacket(std::vector<std::uint8_t> data) : data(std::move(data)) {}
+    const std::uint8_t* GetData() const override { return data.data(); }
+    std::size_t GetSize() const override { return data.size(); }
+    std::int64_t GetTime() const override { return 0; }
+    bool IsKey() const override { return true; }
+
+private:
+    std::vector<std::uint8_t> data;
+};
+
+/// The text of what the action throws, empty if it doesn't.
+template <class Action>
+std::string ThrownBy(Action action) {
+    try {
+        action();
+        return {};
+    } catch (const Exception& failure) {
+        return failure.what();
+    }
 }
 
 }  // namespace Tarnex::Tests

@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "core/media/ClientAPI.h"
 #include "core/media/Factories.h"
@@ -29,21 +31,24 @@ Pointer<Proc::ICodedStream> OpenFirstStream(const std::filesystem::path& file) {
 /// A codec's sample is the first whose path holds the codec's id.
 TEST(Samples, EachHoldsTheOneCodecOfItsName) {
     std::vector<std::string> ids = Factory()->GetDecoderCodecs(Proc::ImplNames::FFMPEG);
-    int count = 0;
+    std::set<std::string> all;
     for (const auto& entry : std::filesystem::directory_iterator(SAMPLES)) {
-        ++count;
         const Pointer<Proc::ICodedStream> stream = OpenFirstStream(entry.path());
         ASSERT_TRUE(stream) << entry.path();
         const std::string held = stream->GetCodecFormat()->GetCodecID();
+        all.insert(held);
         for (const std::string& id : ids) {
             const bool isNamed = entry.path().string().find(id) != std::string::npos;
             EXPECT_EQ(isNamed, id == held) << entry.path() << " " << id;
         }
         stream->Seek(0, {});
-        EXPECT_GE(CountFrames(*Decode(stream)), 5) << entry.path();
-        EXPECT_LT(entry.file_size(), 20000U) << entry.path();
+        EXPECT_GE(CountFrames(*Decode(stream)), 4) << entry.path();
     }
-    EXPECT_EQ(count, 4);
+    const std::vector<std::string> encoded = Factory()->GetEncoderCodecs(Proc::ImplNames::FFMPEG);
+    for (const std::string& id : Factory()->GetDecoderCodecs(Proc::ImplNames::NVDEC)) {
+        const bool canBeMade = std::find(encoded.begin(), encoded.end(), id) != encoded.end();
+        EXPECT_EQ(all.contains(id), canBeMade) << id << ", which a graphics card decodes";
+    }
 }
 
 TEST(Samples, AStreamGoesBackToItsBeginning) {
@@ -66,15 +71,41 @@ std::string FailureOf(Action action) {
     }
 }
 
+/// An index at the end of a file is lost with it, and of Ogg so are the pages that aren't complete.
+TEST(Samples, AFileThatBreaksOffIsDecodedAsFarAsItGoes) {
+    const std::filesystem::path part = std::filesystem::path(testing::TempDir()) / "part";
+    std::set<std::string> decoded;
+    for (const auto& entry : std::filesystem::directory_iterator(SAMPLES)) {
+        std::filesystem::copy_file(entry.path(), part,
+                                   std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::resize_file(part, entry.file_size() * 7 / 8);
+        const std::string kind = entry.path().extension();
+        const std::string failure = FailureOf([&] {
+            EXPECT_TRUE(Decode(OpenFirstStream(part))->ReadNext()) << entry.path();
+            decoded.insert(kind);
+        });
+        if (!decoded.contains(kind)) {
+            EXPECT_THAT(failure, HasSubstr("File " + part.string()));
+        }
+    }
+    EXPECT_THAT(decoded, testing::UnorderedElementsAre(".ac3", ".avi", ".dv", ".flac", ".mkv",
+                                                       ".mp3", ".mpg", ".ogv", ".ts", ".webm"));
+}
+
 TEST(Files, FailuresNameTheFileAndTheReason) {
     const std::filesystem::path directory = testing::TempDir();
-    const std::string text = directory / "some.txt";
-    std::ofstream(text) << "no media\n";
-    EXPECT_THAT(FailureOf([&] { Core::ClientAPI::OpenSource(text); }),
-                HasSubstr("File " + text + ": opening: Invalid data"));
-    const std::string missing = directory / "missing.webm";
-    EXPECT_THAT(FailureOf([&] { Core::ClientAPI::OpenSource(missing); }),
-                HasSubstr("File " + missing + ": opening: No such file"));
+    std::ofstream(directory / "some.txt") << "no media\n";
+    std::ofstream(directory / "empty");
+    std::filesystem::create_directory(directory / "folder");
+    const std::pair<const char*, const char*> reasons[] = {{"some.txt", "Invalid data"},
+                                                           {"empty", "Invalid data"},
+                                                           {"folder", "Is a directory"},
+                                                           {"missing.webm", "No such file"}};
+    for (const auto& [name, reason] : reasons) {
+        const std::string path = directory / name;
+        EXPECT_THAT(FailureOf([&] { Core::ClientAPI::OpenSource(path); }),
+                    HasSubstr("File " + path + ": opening: " + reason));
+    }
 
     const auto write = [](const std::string& path) {
         return FailureOf([&] { Proc::MuxerFactoryImpl::WriteFile(path, Encode("CODEC_ID_VP9")); });

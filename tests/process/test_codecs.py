@@ -32,10 +32,10 @@ FAILURES = {
     "DECODER_THROWS_STD": ("Decoder", "std reason"),
     "DECODER_THROWS_TARNEX": ("Decoder", "tarnex reason"),
     "DECODER_THROWS_INT": ("Decoder", "int"),
-    "DECODER_READ_THROWS": ("Decoder", "read reason"),
+    "DECODER_THROWS": ("Decoder", "reason"),
     "ENCODER_GIVES_NOTHING": ("Encoder", "Can create encoder: Encoder.FFMPEG_IMPL.CODEC_ID_ENCODER_GIVES_NOTHING"),
     "ENCODER_THROWS_INT": ("Encoder", "int"),
-    "ENCODER_READ_THROWS": ("Encoder", "read reason"),
+    "ENCODER_THROWS": ("Encoder", "reason"),
 }
 
 
@@ -56,7 +56,7 @@ def test_findings(bad_codecs, threads):
     assert sorted(tested) == sorted(expected)  # each once, although one id was asked for twice
     assert [t.split(".")[0] for t in tested] == ["Decoder"] * len(set(decoders)) + ["Encoder"] * len(set(encoders))
     assert result.records()[-1] == TESTED
-    assert "coders left: 0\n" in result.out, result
+    assert "coders left: 0, each on one thread: 1\n" in result.out, result
     if threads == "-":
         records = result.records()
         for finding in findings:
@@ -108,16 +108,22 @@ def test_module_that_cannot_list_its_codecs_is_told(bad_codecs):
     assert check(bad_codecs, OK[0]).code == 0  # it isn't asked
 
 
-def test_disabled_modules_offer_nothing(bad_codecs):
-    bad_codecs.add("throws-std")
-    result = check(bad_codecs, *OK, rest=("BadCodecs , nobody",), kind="all")
-    assert result.code == 7 and result.of("TEST_CODEC") == [], result
-    assert result.records()[-1] == TESTED
+def test_disabled_and_broken_plugins_offer_nothing(bad_codecs):
+    assert len(check(bad_codecs, OK[0], kind="all").of("TEST_CODEC")) == 2
+    known = bad_codecs.file("known", "Plugins.A: BadCodecs\n")
+    disabled = check(bad_codecs, *OK, rest=("BadCodecs , nobody",), kind="all")
+    reported = check(bad_codecs, *OK, rest=("-", known), kind="all")
+    bad_codecs.enlist("MuxerFactory", "BadCodecs")  # it has no muxer
+    found = check(bad_codecs, *OK, kind="all")
+    assert [result.code for result in (disabled, reported, found)] == [0, 7, 7]
+    for result in (disabled, reported, found):
+        assert result.of("TEST_CODEC") == [] and result.records()[-1] == TESTED, result
 
 
 def test_broken_plugins_and_codecs_together(bad_codecs):
-    bad_codecs.add("throws-std")
+    bad_codecs.add("throws-std", "good.1")
     result = check(bad_codecs, "CODEC_ID_DECODER_THROWS_STD", OK[0], kind="all")
     assert result.code == 9, result
     assert result.of("PLUGINS") == ["throws-std"]
     assert result.of("CODECS") == [test_id("Decoder", "CODEC_ID_DECODER_THROWS_STD")]
+    assert "shut down" not in result.out, result

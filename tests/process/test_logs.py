@@ -97,36 +97,43 @@ def test_runs_at_once_each_have_their_files(installation, tmp_path):
 TIME = {"CODEC_TIME", "PLUGIN_TIME"}
 
 
-def statistics(result):
+def statistics(result, phases):
+    """The sections, without the times of the phases."""
     [text] = result.of("STATISTICS")
     record = json.loads(text)
     times = record.pop("ASSAYER_WORK_TIME")
     assert set(times) == TIME and all(re.fullmatch(r"\d+\.\d{6}", value) for value in times.values())
+    assert {phase for phase, time in times.items() if float(time) > 0} == phases
     return record
 
 
 def test_statistics_say_what_was_found(installation):
     installation.add("good.1")
     clean = installation.run("plugins", "60")
-    assert clean.code == 0 and statistics(clean) == {}
+    assert clean.code == 0 and statistics(clean, {"PLUGIN_TIME"}) == {}
+    installation.add_fixture("BadCodecs")
+    clean = installation.run("codecs", "60", "FFMPEG_IMPL", "CODEC_ID_GOOD_0")
+    assert clean.code == 0 and statistics(clean, {"CODEC_TIME"}) == {}
 
     installation.add("throws-std", "throws-odd-bytes", "good.2", "throws-long")
     installation.link("/dev/null", "MediaFoundationCodecs")
     installation.enlist("CodecFactory", "MediaFoundationCodecs")
     known = installation.file("known", "Plugins.A: good.2\n")
-    installation.add_fixture("BadCodecs")
-    good, bad = "CODEC_ID_GOOD_0", "CODEC_ID_ENCODER_THROWS_INT"
-    result = installation.run("all", "60", "FFMPEG_IMPL,NONE_IMPL", f"{good},{bad}", "-", known)
+    good, bad, worse = "CODEC_ID_GOOD_0", "CODEC_ID_ENCODER_THROWS_INT", "CODEC_ID_DECODER_THROWS_INT"
+    result = installation.run("all", "60", "FFMPEG_IMPL,NONE_IMPL", f"{good},{bad},{worse}", "-", known)
     assert result.code == 9, result
-    record = statistics(result)
+    record = statistics(result, TIME)
     plugins = record.pop("CORE_PLUGIN_CHECK")
     reasons = plugins.pop("ERROR_INFO")
     assert plugins == {
-        "SUCCESS": "OglManager,good.1,MediaFoundationCodecs,BadCodecs",
+        "SUCCESS": "OglManager,good.1,BadCodecs,MediaFoundationCodecs",
         "UNSUCCESS": "throws-std,throws-odd-bytes,good.2,throws-long",
         "FF_UNSUCCESS": "MediaFoundationCodecs",
         "ERROR": "throws-std,throws-odd-bytes,good.2,throws-long,MediaFoundationCodecs",
     }
     assert len(reasons) == 10240 and reasons.endswith("xxx")
     assert 'odd "\\\ufffd' in reasons and "good.2: \nTest Error\n" in reasons
-    assert record == {"Encoder.FFMPEG_IMPL": {good: "YES", bad: "NO"}}
+    assert record == {
+        "Decoder.FFMPEG_IMPL": {good: "YES", worse: "NO"},
+        "Encoder.FFMPEG_IMPL": {good: "YES", bad: "NO", worse: "YES"},
+    }

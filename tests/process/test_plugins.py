@@ -1,11 +1,13 @@
 """The plugin phase of the real program."""
 
 import os
+import re
+import socket
 import subprocess
 import time
 
 import pytest
-from conftest import not_sanitized
+from conftest import FIXTURES, not_sanitized
 
 LOADED = ("LOADED_PLUGINS", "true")
 
@@ -37,21 +39,38 @@ FAILURES = {
 
 def test_each_way_to_fail_has_its_own_text(installation):
     installation.add(*FAILURES)
+    for alias in ("alias.1", "alias.2"):
+        installation.link(installation.directory / "throws-std.so", alias)
+        installation.enlist("CodecFactory", alias)
     installation.add("good.9")
     installation.file("not-elf.so", "text" * 100)
     installation.enlist("EffectFactory", "not-elf")
     result = installation.run("plugins", "60")
     assert result.code == 7, result
-    expected = {"not-elf": "invalid ELF header", **FAILURES}
+    expected = {"not-elf": "invalid ELF header", "alias.1": "std reason", "alias.2": "std reason", **FAILURES}
     records = result.records()
     for name, reason in expected.items():
         at = records.index(load(name))
         assert records[at + 1] == ("PLUGINS", name), result
         tag, text = records[at + 2]
         assert tag == "ERROR" and reason in text, (name, text)
-        assert name in text or name.startswith("throws"), (name, text)
+        file = "throws-std" if name.startswith("alias") else name
+        assert re.search(r"mediacore/\w+\.cpp\(\d+\): Throw in function", text), text
+        assert f"Plugin {name}, module {installation.directory}/{file}.so: " in text, text
     assert records[-2:] == [load("good.9"), LOADED]
     assert len(records) == 3 * len(expected) + 2
+    assert "shut down: refuses" not in result.out, result
+
+
+def test_order_of_the_factories_and_a_start_of_opengl_with_its_stop(installation):
+    order = ["OglManager", "EffectFactory", "FilterFactory", "CodecFactory", "MuxerFactory", "ParserFactory",
+             "AnalyzerFactory"]  # fmt: skip
+    for factory in reversed(order[1:]):
+        installation.add(f"good.{factory}", factory=factory)
+    installation.link(FIXTURES / "Misbehaving.so", "OglManager")
+    result = installation.run("plugins", "60")
+    assert [name.removeprefix("good.") for name in result.of("LOAD_PLUGIN_NAME")] == order, result
+    assert result.out.startswith("OpenGL started\nOpenGL stopped\n"), result
 
 
 def test_known_missing_tolerated_and_skipped_plugins(installation):
@@ -100,6 +119,23 @@ def test_time_limit_holds_when_nobody_reads_the_full_pipe(installation):
     process.stderr.close()
 
 
+def test_nobody_at_the_other_end_of_standard_error(installation):
+    installation.add("good.1")
+    reading, writing = os.pipe()
+    os.close(reading)
+    program = [installation.directory / "Assayer", "plugins", "60"]
+    assert subprocess.run(program, stdout=subprocess.DEVNULL, stderr=writing, timeout=60).returncode == 0
+    os.close(writing)
+
+
+def test_displays_that_are_gone_or_never_answer(installation):
+    assert installation.run("plugins", "60", environment={"DISPLAY": ":77"}).code == 0
+    with socket.create_server(("127.0.0.1", 0)) as server:
+        display = f"127.0.0.1:{server.getsockname()[1] - 6000}"
+        result = installation.run("plugins", "1", environment={"DISPLAY": display})
+    assert result.code == 2 and result.of("LOADED_PLUGINS") == [], result
+
+
 @not_sanitized
 def test_time_out_of_the_low_32_bits(installation):
     installation.add("hang")
@@ -140,13 +176,15 @@ def test_what_cannot_be_run_is_told(installation):
         (("tea", "60"), 4, ['"tea"', "plugins", "codecs", "all"]),
         (("plugins", "60", "", "", "", bad), 4, [bad, "line 2"]),
         (("plugins", "60", "", "", "", folder), 4, [folder]),
-        (("plugins", "sixty"), 5, ["invalid stoll argument"]),
+        (("plugins", "sixty", "", "", "", "/no/such"), 5, ["invalid stoll argument"]),
+        (("plugins", "9" * 20), 5, ["stoll argument out of range"]),
         (("codecs", "60", "A"), 3, ["Verifiable codecs list are empty"]),
     ]:
         result = installation.run(*arguments)
         assert result.code == code, result
         [message] = result.of("ERROR")
         assert all(word in message for word in words), (words, message)
+        assert ("Can't find path: /no/such" in result.of("WARNING")) == ("/no/such" in arguments), result
 
 
 def test_arguments_that_are_not_utf8_are_carried(installation):

@@ -48,10 +48,27 @@ def test_every_codec_of_libavcodec(shipped):
 def test_common_codecs_and_their_module_disabled(shipped):
     result = shipped.run("all", "60", FFMPEG, ids(COMMON))
     assert result.code == 0 and len(result.of("TEST_CODEC")) == 2 * len(COMMON), result
-    assert "Using test file: CODEC_ID_H264.h264" in result.err and "Using FakeStream" in result.err
+    assert "Using test file: CODEC_ID_H264.mp4" in result.err and "Using FakeStream" in result.err
     disabled = shipped.run("all", "60", FFMPEG, ids(COMMON), "FfmpegCodecs")
     assert disabled.code == 0 and disabled.of("TEST_CODEC") == [], disabled
     assert disabled.of("TESTED_CODECS") == ["true"]
+
+
+def test_a_sample_of_another_codec_is_no_input(installation):
+    installation.add_shipped("CodecFactory", "FfmpegCodecs")
+    installation.add_shipped("ParserFactory", "FfmpegParsers")
+    samples = installation.directory / "resources" / "codecSamples"
+    samples.mkdir(parents=True)
+    (samples / "CODEC_ID_MP3.h264").symlink_to(APP / "resources" / "codecSamples" / "CODEC_ID_H264.h264")
+    result = installation.run("codecs", "60", FFMPEG, ids(["MP3"]))
+    assert result.of("ERROR") == ["CODEC_ID_MP3 stream not found"], result
+
+
+def test_a_last_failed_test_is_left_out_in_its_implementation_alone(shipped):
+    last = f"Decoder.{FFMPEG}.CODEC_ID_H264"
+    result = shipped.run("codecs", "60", f"{FFMPEG},{NVDEC}", ids(["H264"]), *"----", last)
+    tested = {f"{kind}.{impl}.CODEC_ID_H264" for kind in ("Decoder", "Encoder") for impl in (FFMPEG, NVDEC)}
+    assert set(result.of("TEST_CODEC")) == tested - {last}, result
 
 
 @pytest.mark.skipif(Path("/dev/nvidia0").exists(), reason="there is a GPU")
@@ -79,8 +96,33 @@ def test_two_implementations_in_one_run(shipped, threads):
 @has_framework
 def test_framework_without_the_other_implementation(shipped):
     result = shipped.run("all", "60", FRAMEWORK, ids(OF_FRAMEWORK), "FfmpegCodecs")
+    assert result.code == 0, result
+    encoded = set(OF_FRAMEWORK) - NOT_ENCODED_BY_FRAMEWORK
+    assert set(result.of("TEST_CODEC")) == (
+        named("Decoder", FRAMEWORK, OF_FRAMEWORK) | named("Encoder", FRAMEWORK, encoded)
+    )
+    assert "Using FakeStream" not in result.err.split("Encoder.")[0], result
+
+
+def test_material_that_is_added(installation):
+    """Among it what can't be used, and a file that serves a codec whose id its own begins with."""
+    installation.add_shipped("CodecFactory", "FfmpegCodecs")
+    installation.add_shipped("ParserFactory", "FfmpegParsers")
+    samples = installation.directory / "resources" / "codecSamples"
+    samples.mkdir(parents=True)
+    good = {path.stem: path.read_bytes() for path in (APP / "resources" / "codecSamples").iterdir()}
+    (samples / "a CODEC_ID_VP8 of mine").write_bytes(good["CODEC_ID_VP8"])
+    (samples / "CODEC_ID_VP9").write_bytes(good["CODEC_ID_VP9"][:-1000])
+    (samples / "CODEC_ID_VP6F.flv").write_bytes(good["CODEC_ID_VP8"])
+    (samples / "CODEC_ID_VC1.empty").touch()
+    (samples / "CODEC_ID_COOK").mkdir()
+    (samples / "CODEC_ID_WMV3.txt").write_text("no media")
+    result = installation.run("codecs", "60", FFMPEG, ids("VP8 VP9 VP6 VC1 COOK WMV3".split()), "-", "-", "-", "-", ",Encoder.X.Y")
     assert result.code == 8, result
-    # Samples and the framework's own default encoder serve as input; the rest has none.
-    fed = {name for name in OF_FRAMEWORK if f"CODEC_ID_{name}" in SAMPLES} | {"H265"}
-    assert set(result.of("CODECS")) == named("Decoder", FRAMEWORK, set(OF_FRAMEWORK) - fed), result
-    assert all(text.endswith(" stream not found") for text in result.of("ERROR")), result
+    assert set(result.of("CODECS")) == named("Decoder", FFMPEG, "VP6 VC1 COOK WMV3".split())
+    errors = result.of("ERROR")
+    assert "CODEC_ID_VP6 stream not found" in errors and len(errors) == 4, result
+    for name in ("CODEC_ID_VC1.empty", "CODEC_ID_COOK", "CODEC_ID_WMV3.txt"):
+        assert any(f"File {samples / name}: opening: " in error for error in errors), (name, errors)
+    for path in samples.iterdir():
+        assert f"Using test file: {path.name}\n" in result.err, path

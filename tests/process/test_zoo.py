@@ -11,7 +11,7 @@ from signal import SIGABRT, SIGFPE, SIGSEGV
 
 import pytest
 from conftest import SANITIZED, Installation
-from parent import Parent, Pass
+from parent import Parent, Run
 
 IMPL = "FFMPEG_IMPL"
 CLOSED = ("ERROR", "Assayer closed by WatchDog!")
@@ -24,6 +24,10 @@ MEMORY = "--as=600000000"  # bytes; a clean pass takes less than a third
 
 # Status, last record, seconds at most. Where these are 2, the time-out is 1 second.
 ZOO = {
+    "throws": (FOUND, DONE, 10),
+    "throws-in-constructor": (-SIGABRT, NAME, 10),
+    "throws-foreign": (FOUND, DONE, 10),
+    "calls-core": (0, DONE, 10),
     "segfault": (-SIGSEGV, NAME, 10),
     "segfault-in-constructor": (-SIGSEGV, NAME, 10),
     "abort": (-SIGABRT, NAME, 10),
@@ -36,8 +40,13 @@ ZOO = {
     "hang": (2, TOLD, 2),
     "hang-in-constructor": (2, TOLD, 2),
     "hang-blocked": (2, TOLD, 2),
+    "hang-then-segfault": (2, TOLD, 2),
+    "hang-then-bus-error": (2, TOLD, 2),
+    "hang-then-divide-by-zero": (2, TOLD, 2),
+    "hang-then-trap": (2, TOLD, 2),
     "hang-then-abort": (2, TOLD, 2),
     "hang-then-hang": (2, TOLD, 2),
+    "hang-until-exit": (2, TOLD, 2),
     "hang-in-destructor": (2, TOLD, 2),
     "takes-signals-hangs": (2, TOLD, 2),
     "keeps-memory-hangs": (2, NAME, 2),  # none is left for the line
@@ -71,7 +80,7 @@ PLAIN_ENDS = "handle_segv=0:handle_sigfpe=0:handle_abort=0:detect_leaks=0"
 
 
 @dataclass
-class Sight(Pass):
+class Sight(Run):
     seconds: float
     output: int  # bytes
     left_children: bool
@@ -149,9 +158,15 @@ def test_what_the_parent_sees(sights, folder, fault, phase):
     check_records(sight, fault, phase, last)
     assert sight.left_children == (fault == "leaves-child"), sight
     assert (sight.output >= 500_000_000) == (fault == "floods-stdout"), sight
+    if last == TOLD:
+        assert logged(folder, fault, phase, "INFO").endswith("[ERROR]Assayer closed by WatchDog![/ERROR]\n")
     if fault == "closes-stderr":  # What couldn't be told there stands in the files.
-        files = (folder / f"{fault}-{phase}-logs").rglob("Assayer.*.ERROR.*")
-        assert "[/STATISTICS]" in "".join(file.read_text() for file in files)
+        assert "[/STATISTICS]" in logged(folder, fault, phase, "ERROR")
+
+
+def logged(folder, fault, phase, severity):
+    [file] = (folder / f"{fault}-{phase}-logs").rglob(f"Assayer.*.{severity}.*-*")
+    return file.read_text(errors="replace")
 
 
 def check_records(sight, fault, phase, last):

@@ -32,8 +32,8 @@ protected:
     ~LogFiles() override { std::filesystem::remove_all(root); }
 
     /// Ends with 0 if logging was started and published its directory.
-    [[noreturn]] void Log(const std::string& product, int minSeverity) const {
-        const bool started = InitLogging(product, minSeverity, 10);
+    [[noreturn]] void Log(const std::string& product, int minSeverity, int maxAgeDays = 10) const {
+        const bool started = InitLogging(product, minSeverity, maxAgeDays);
         LogTagged(ERROR_TAG, "line");
         ShutdownLogging();
         LogTagged(WARNING_TAG, "after the end");
@@ -63,6 +63,9 @@ TEST_F(LogFiles, HaveTheirPlaceAndNames) {
     EXPECT_EXIT(Log("Assayer", 0), testing::ExitedWithCode(0), "line(.|\n)*after the end");
     EXPECT_EQ(Stems("Assayer"), (Names{"test_reporting.user.ERROR", "test_reporting.user.INFO",
                                        "test_reporting.user.WARNING"}));
+    setenv("USERNAME", "a/b", 1);
+    EXPECT_EXIT(Log("Assayer", 2, 0), testing::ExitedWithCode(0), "line");
+    EXPECT_EQ(Stems("Assayer"), Names{"test_reporting.a_b.ERROR"}) << "the others were old";
     unsetenv("USERNAME");
     setenv("GLOG_PRODUCT_NAME", "fromVariable", 1);
     EXPECT_EXIT(Log("", 2), testing::ExitedWithCode(0), "line");
@@ -70,6 +73,8 @@ TEST_F(LogFiles, HaveTheirPlaceAndNames) {
     EXPECT_EXIT(Log("a/b\\c \xFF", 3), testing::ExitedWithCode(0), "line");
     EXPECT_TRUE(std::filesystem::is_directory(root / "Tarnex/Logs/c \xFF"));
     EXPECT_EQ(Stems("c \xFF"), Names{});
+    setenv("LOCALAPPDATA", "", 1);
+    EXPECT_EXIT(Log("Assayer", 0), testing::ExitedWithCode(1), "line");
 }
 
 TEST_F(LogFiles, OldOnesAreDeletedByTheirCreationTime) {

@@ -86,7 +86,7 @@ TEST(CommandLine, PluginRunsIgnoreTheCodecPositions) {
 }
 
 TEST(CommandLine, ListsAreSplitAtCommasAndTrimmed) {
-    const Config config = Parse({"all", "-1", " A , B ,", ",a,,-"}).config;
+    const Config config = Parse({"all", "-1", " A , B\r\n,", ",a\n,,-"}).config;
     EXPECT_EQ(config.checkTimeoutInSeconds, -1);
     EXPECT_EQ(config.verifiableCodecImpls, (Strings{"A", "B"}));
     EXPECT_EQ(config.verifiableCodecs, (Strings{"", "a", "", "-"}));

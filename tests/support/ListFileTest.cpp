@@ -52,7 +52,10 @@ TEST(ListFile, TakesTheKeysOfItsFormAlone) {
                             "Codecs.Decoder.A B", "Codecs.Decoder.A.B", ""}) {
         EXPECT_FALSE(takes(key, FormatType::Codecs)) << key;
     }
-    for (const char* key : {"Plugins.", "Plugins.A B", "plugins.A", "Codecs.Decoder.X"}) {
+    for (const char* key : {"Plugins.", "Plugins.My list"}) {
+        EXPECT_TRUE(takes(key, FormatType::Plugins)) << key;
+    }
+    for (const char* key : {"Plugins", "plugins.A", " Plugins A", "Codecs.Decoder.X"}) {
         EXPECT_FALSE(takes(key, FormatType::Plugins)) << key;
     }
 }

@@ -4,7 +4,12 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
 #include <limits>
+#include <string>
 
 namespace Tarnex::Core::Utils {
 namespace {
@@ -46,6 +51,33 @@ TEST(WatchDogDeathTest, EndsTheProcessThoughTheActionHangs) {
     EXPECT_GE(taken, std::chrono::seconds(1));
     // The promise is a second more; the rest is the start of the child.
     EXPECT_LT(taken, std::chrono::milliseconds(2500));
+}
+
+/// The back-stop, which takes no signals, goes on.
+void HoldTheOtherThreads(std::chrono::milliseconds time) {
+    static timespec pause;
+    pause = {time.count() / 1000, time.count() % 1000 * 1'000'000};
+    std::signal(SIGUSR1, [](int) { nanosleep(&pause, nullptr); });
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        const int thread = std::stoi(task.path().filename());
+        if (thread != gettid()) {
+            tgkill(getpid(), thread, SIGUSR1);
+        }
+    }
+}
+
+void CancelWhileTheRunnerIsHeld() {
+    {
+        WatchDog watchDog(1, [] {});
+        watchDog.Start();
+        HoldTheOtherThreads(std::chrono::milliseconds(1000 + 3 * WatchDog::GRACE));
+    }
+    std::_Exit(0);
+}
+
+TEST(WatchDogDeathTest, ACancellationStandsThoughItsAnswerIsLate) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(CancelWhileTheRunnerIsHeld(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

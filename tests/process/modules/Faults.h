@@ -2,7 +2,10 @@
 
 #include <sys/time.h>
 #include <unistd.h>
+#include <unwind.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +16,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "core/media/Factories.h"
 
 /// What the code of a module can do to the process that it is in.
 namespace Faults {
@@ -51,6 +56,18 @@ inline void DivideByZero() {
     };
     static const Hanging hanging;
     Hang();
+}
+
+/// As if the end of the module's own thread were awaited, which its exit handler stops.
+inline void HangUntilExit() {
+    static std::atomic<bool> isEnding = false;
+    std::atexit([] {
+        isEnding = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    });
+    while (!isEnding) {
+        std::this_thread::yield();
+    }
 }
 
 inline void LeaveDirectory() {
@@ -93,6 +110,23 @@ inline void LeaveChild() {
     }
 }
 
+/// Leaves a process in a session of its own that nobody's child is, takes no signal and holds
+/// standard error open.
+inline void Detach() {
+    if (fork() != 0) {
+        return;
+    }
+    setsid();
+    if (fork() != 0) {
+        _exit(0);
+    }
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, nullptr);
+    sleep(120);
+    _exit(0);
+}
+
 inline void ExhaustMemory() {
     std::vector<std::unique_ptr<char[]>> blocks;
     for (;;) {
@@ -109,9 +143,31 @@ inline void KeepMemory() {
     }
 }
 
+/// What the code of another language might throw.
+inline void ThrowForeign() {
+    static _Unwind_Exception thrown{};
+    thrown.exception_class = 0x4153534159455200;
+    _Unwind_RaiseException(&thrown);
+    std::abort();  // nobody caught it
+}
+
+/// Loads all modules, the one that calls included.
+inline void CallCore() {
+    for (const std::string& plugin : Tarnex::Proc::CodecFactoryImpl::GetPluginList()) {
+        try {
+            Tarnex::Proc::CodecFactoryImpl::TryToLoadModule(plugin);
+        } catch (const Tarnex::Exception&) {
+            continue;
+        }
+    }
+}
+
 /// Never destroyed: other threads may be here while one ends the process.
 inline const std::map<std::string, void (*)()>& All() {
     static const auto& faults = *new std::map<std::string, void (*)()>{
+        {"throws", [] { throw std::runtime_error("reason"); }},
+        {"throws-foreign", ThrowForeign},
+        {"calls-core", CallCore},
         {"segfault", WriteToNowhere},
         {"abort", [] { std::abort(); }},
         {"stack-overflow", [] { static_cast<void>(Recurse(nullptr)); }},
@@ -123,8 +179,13 @@ inline const std::map<std::string, void (*)()>& All() {
         {"quick-exit", [] { std::quick_exit(0); }},
         {"hang", [] { Hang(); }},
         {"hang-blocked", [] { HangUnderBlockedSignals(); }},
+        {"hang-then-segfault", [] { std::atexit(WriteToNowhere), Hang(); }},
+        {"hang-then-bus-error", [] { std::atexit([] { std::raise(SIGBUS); }), Hang(); }},
+        {"hang-then-divide-by-zero", [] { std::atexit(DivideByZero), Hang(); }},
+        {"hang-then-trap", [] { std::atexit([] { __builtin_trap(); }), Hang(); }},
         {"hang-then-abort", [] { std::atexit([] { std::abort(); }), Hang(); }},
         {"hang-then-hang", [] { std::atexit([] { Hang(); }), Hang(); }},
+        {"hang-until-exit", HangUntilExit},
         {"hang-in-destructor", [] { HangInDestructor(); }},
         {"closes-stderr", [] { close(STDERR_FILENO); }},
         {"comma-locale", [] { std::locale::global(std::locale("de_DE.UTF-8")); }},
@@ -134,6 +195,7 @@ inline const std::map<std::string, void (*)()>& All() {
         {"floods-stdout", FloodStandardOutput},
         {"floods", FloodStandardError},
         {"leaves-child", LeaveChild},
+        {"detaches", Detach},
         {"exhausts-memory", ExhaustMemory},
         {"keeps-memory", KeepMemory},
         {"keeps-memory-hangs", [] { KeepMemory(), Hang(); }},

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace Tarnex::Parent {
+
+/// What Assayer says between its tags.
+struct Record {
+    std::string_view tag;  ///< one of the constants of core/support/Constants.h
+    std::string message;
+};
+
+/// Finds the records in what a process writes, which comes in pieces of any size: a record may be
+/// split between them, cut at its end, or stand among other text.
+class RecordReader {
+public:
+    using Take = std::function<void(const Record&)>;
+
+    explicit RecordReader(Take take) : take(std::move(take)) {}
+
+    void Feed(std::string_view bytes);
+
+    /// Nothing follows: a record that is open was cut.
+    void Finish();
+
+private:
+    bool FindOpening();
+    bool FindEnd();
+    void End(std::size_t length, std::size_t behind);
+    void EndCut(std::size_t length);
+
+    Take take;
+    std::string text;      // not yet decided; begins with the message of an open record
+    std::size_t seen = 0;  // where the search in it goes on
+    std::string_view tag;  // of the open record
+};
+
+}  // namespace Tarnex::Parent
