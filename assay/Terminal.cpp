@@ -91,7 +91,8 @@ void Terminal::Summary(const Report& report) {
     for (const std::string& note : report.notes) {
         Line("note: " + note);
     }
-    for (const auto& [kind, counts] : CountVerdicts(report.items).items()) {
+    const Json totals = CountVerdicts(report.items);
+    for (const auto& [kind, counts] : totals.items()) {
         if (!counts.empty()) {
             Line(fmt::format("{}s: {}", kind, DescribeCounts(counts)));
         }

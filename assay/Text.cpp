@@ -1,5 +1,7 @@
 #include "assay/Text.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <boost/algorithm/string/replace.hpp>
 
@@ -38,8 +40,8 @@ std::string QuoteForShell(const std::vector<std::string>& arguments) {
     std::string line;
     for (const std::string& argument : arguments) {
         const bool isPlain = !argument.empty() && std::ranges::all_of(argument, IsPlain);
-        line += (line.empty() ? "" : " ");
-        line += isPlain ? argument : "'" + boost::replace_all_copy(argument, "'", "'\\''") + "'";
+        const std::string quoted = boost::replace_all_copy(argument, "'", "'\\''");
+        line += fmt::format("{0}{1}{2}{1}", line.empty() ? "" : " ", isPlain ? "" : "'", quoted);
     }
     return line;
 }

@@ -5,7 +5,7 @@
 
 #include "core/support/Exception.h"
 #include "parent/Check.h"
-#include "support/ListFile.h"
+#include "support/PluginList.h"
 
 namespace Tarnex::Parent {
 namespace {
@@ -31,9 +31,7 @@ fs::path ModulePath(const fs::path& application, const std::string& plugin) {
 }  // namespace
 
 std::vector<PluginPlace> ReadPluginOrder(const fs::path& application) {
-    const auto lists =
-        Core::Utils::ReadListFile((application / "plugins.list").native(),
-                                  [](const std::string& key) { return Contains(FACTORIES, key); });
+    const auto lists = Core::Utils::ReadPluginLists((application / "plugins.list").native());
     std::vector<PluginPlace> order{{std::string(OGL_MANAGER), std::string(OGL_MANAGER)}};
     for (const std::string_view factory : FACTORIES) {
         if (const auto list = lists.find(std::string(factory)); list != lists.end()) {
