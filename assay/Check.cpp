@@ -127,8 +127,13 @@ void Fill(Report& report, Parent::CheckResult result, const SavedReport& saved) 
     report.problem = std::move(result.problem);
     report.notes = std::move(result.notes);
     report.runs = std::move(result.runs);
-    std::ranges::transform(result.items, std::back_inserter(report.items),
-                           [&](const Item& item) { return saved.Finish(item); });
+    report.items = std::move(result.items);
+    for (Parent::RunFacts& run : report.runs) {
+        saved.Finish(run.arguments);
+    }
+    for (Item& item : report.items) {
+        saved.Finish(item.repro);
+    }
 }
 
 int ChooseStatus(const Parent::CheckResult& result, int signal) {

@@ -49,7 +49,9 @@ fs::path GetStateFolder() {
     return GetBase("XDG_STATE_HOME", ".local/state") / "assayer";
 }
 
-Chosen ChooseInstallation(const std::string& app) {
+namespace {
+
+Chosen Choose(const std::string& app) {
     if (!app.empty()) {
         return {fs::absolute(app).lexically_normal(), "as given"};
     }
@@ -63,6 +65,16 @@ Chosen ChooseInstallation(const std::string& app) {
     }
     return {folder, source ? "the command's; your own is a copy of " + source->string()
                            : "the command's; assay collect adds this machine's plugins"};
+}
+
+}  // namespace
+
+Chosen ChooseInstallation(const std::string& app) {
+    Chosen chosen = Choose(app);
+    if (!fs::exists(chosen.directory / "Assayer")) {
+        throw Exception("there is no Assayer in " + chosen.directory.string());
+    }
+    return chosen;
 }
 
 bool MakeInstallation(const fs::path& directory) {

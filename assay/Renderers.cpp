@@ -47,7 +47,7 @@ void AddCase(pugi::xml_node suite, const Item& item) {
     pugi::xml_node test = suite.append_child("testcase");
     Set(test, "classname", suite.attribute("name").value());
     Set(test, "name", item.name);
-    Set(test, "time", item.seconds.value_or(0));
+    Set(test, "time", fmt::format("{:.6f}", item.seconds.value_or(0)));
     const char* element = GetElement(item.verdict);
     if (element == nullptr) {
         return;
@@ -79,7 +79,7 @@ void AddSuite(pugi::xml_node root, const std::string& name, const std::vector<co
     Count(suite, "failures", "failure");
     Count(suite, "errors", "error");
     Count(suite, "skipped", "skipped");
-    Set(suite, "time", seconds);
+    Set(suite, "time", fmt::format("{:.6f}", seconds));
 }
 
 }  // namespace

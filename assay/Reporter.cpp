@@ -25,7 +25,9 @@ void Reporter::OnVerdict(const Parent::Item& item) {
     if (IsBad(item.verdict)) {
         ++bad[std::string(ToString(item.verdict))];
     }
-    WriteEvent(ToJson(saved.Finish(item)));
+    Parent::Item finished = item;
+    saved.Finish(finished.repro);
+    WriteEvent(ToJson(finished));
 }
 
 void Reporter::OnProgress(const Parent::Progress& progress) {

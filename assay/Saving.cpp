@@ -68,13 +68,12 @@ SavedReport::~SavedReport() {
     fs::remove_all(freshLists, ignored);
 }
 
-Parent::Item SavedReport::Finish(Parent::Item item) const {
-    for (std::string& argument : item.repro) {
+void SavedReport::Finish(std::vector<std::string>& arguments) const {
+    for (std::string& argument : arguments) {
         if (argument.starts_with(freshLists.string() + "/")) {
             argument.replace(0, freshLists.string().size(), lists.string());
         }
     }
-    return item;
 }
 
 void SavedReport::Save(const Report& report) const {

@@ -23,8 +23,8 @@ public:
     SavedReport(const SavedReport&) = delete;
     SavedReport& operator=(const SavedReport&) = delete;
 
-    /// The item with its list files where they will lie.
-    Parent::Item Finish(Parent::Item item) const;
+    /// Turns paths of fresh list files into those that they will have.
+    void Finish(std::vector<std::string>& arguments) const;
 
     /// Throws `Tarnex::Exception`; then the earlier report is as it was.
     void Save(const Report& report) const;

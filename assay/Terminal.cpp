@@ -87,15 +87,15 @@ void Terminal::Item(const Parent::Item& item) {
 }
 
 void Terminal::Summary(const Report& report) {
-    BadItems(report);
-    for (const std::string& note : report.notes) {
-        Line("note: " + note);
-    }
     const Json totals = CountVerdicts(report.items);
     for (const auto& [kind, counts] : totals.items()) {
         if (!counts.empty()) {
             Line(fmt::format("{}s: {}", kind, DescribeCounts(counts)));
         }
+    }
+    BadItems(report);
+    for (const std::string& note : report.notes) {
+        Line("note: " + note);
     }
     if (!report.complete) {
         Line("not complete: " + report.problem, Colour::Red);
