@@ -15,13 +15,14 @@ bool IsUnchanged(const Json& before, Json now, Parent::ItemKind kind) {
     return before == now;
 }
 
-/// The folder of the earlier report may be the one that this check replaces.
+/// The folder of the earlier report may be the one that this check replaces, and its names may be
+/// given again.
 void KeepLists(Item& item, const fs::path& lists) {
     for (std::string& argument : item.repro) {
         const fs::path path = argument;
         if (path.parent_path().extension() == ".lists" && fs::is_regular_file(path)) {
             fs::create_directories(lists);
-            argument = lists / path.filename();
+            argument = lists / ("known-" + item.name + ".list");
             fs::copy_file(path, argument, fs::copy_options::overwrite_existing);
         }
     }

@@ -111,13 +111,12 @@ void RequireItems(const Json& items) {
 }
 
 std::string ReadText(const std::filesystem::path& path) {
-    errno = 0;
+    errno = std::filesystem::is_directory(path) ? EISDIR : 0;
     std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file || std::filesystem::is_directory(path)) {
-        throw Exception(std::strerror(errno == 0 ? EISDIR : errno));
+    if (!file || errno == EISDIR) {
+        throw Exception(std::strerror(errno));
     }
-    return text;
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 /// The library's text without its own number.

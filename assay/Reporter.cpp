@@ -46,7 +46,7 @@ void Reporter::OnOutput(std::size_t run, std::string_view bytes) {
     if (std::exchange(loggedRun, run) != run) {
         log << "\n== run " << run << "\n";
     }
-    log << bytes;
+    log << bytes << std::flush;
 }
 
 void Reporter::Close(const Report& report, int status) {
