@@ -1,12 +1,8 @@
 #include "parent/Check.h"
 
 #include <algorithm>
-#include <set>
 
-#include "core/support/Exception.h"
-#include "parent/CodecPhase.h"
-#include "parent/CoreStart.h"
-#include "parent/PluginPhase.h"
+#include "parent/Phases.h"
 
 namespace Tarnex::Parent {
 namespace {
@@ -25,31 +21,65 @@ bool IsWanted(const Names& wanted, const std::string& name) {
     return wanted.empty() || Contains(wanted, name);
 }
 
-Item MakeCodec(const std::string& coder, const std::string& implementation,
-               const std::string& codec) {
-    Item item;
-    item.kind = ItemKind::Codec;
-    item.name = coder + "." + implementation + "." + codec;
-    item.coder = coder;
-    item.implementation = implementation;
-    item.codec = codec;
-    return item;
+CheckOptions Resolve(CheckOptions options) {
+    options.application = std::filesystem::absolute(options.application);
+    if (!std::filesystem::exists(options.application / PROGRAM)) {
+        throw Exception("There is no Assayer in " + options.application.native());
+    }
+    return options;
+}
+
+/// The wanted ones, by name.
+std::vector<Item> ChooseCodecs(const CheckOptions& options, const Listing& listing) {
+    std::map<std::string, Item> items;
+    std::set<std::string> implementations, ids;
+    for (const auto& [implementation, coders] : listing.codecs) {
+        implementations.insert(implementation);
+        for (const auto& [coder, codecs] : coders) {
+            ids.insert(codecs.begin(), codecs.end());
+            for (const std::string& codec : codecs) {
+                if (IsWanted(options.implementations, implementation) &&
+                    IsWanted(options.codecIds, codec)) {
+                    const std::string name = coder + "." + implementation + "." + codec;
+                    Item& item = items[name];
+                    item.kind = ItemKind::Codec;
+                    item.name = name;
+                    item.coder = coder;
+                    item.implementation = implementation;
+                    item.codec = codec;
+                }
+            }
+        }
+    }
+    RequireKnown(options.implementations, implementations, "implementation");
+    RequireKnown(options.codecIds, ids, "codec");
+    std::vector<Item> chosen;
+    for (auto& [name, item] : items) {
+        chosen.push_back(std::move(item));
+    }
+    return chosen;
 }
 
 class Checking {
 public:
-    Checking(const CheckOptions& options, std::vector<Item> items, CheckListener& listener)
-        : session(options, listener, result), runs(session), plugins(std::move(items)) {
-        if (!std::filesystem::exists(session.Program())) {
-            throw Exception("There is no Assayer in " + session.application.native());
+    Checking(const CheckOptions& wanted, std::vector<Item> items, CheckListener& listener)
+        : options(Resolve(wanted)), session(options, listener, result), plugins(std::move(items)) {
+        std::set<std::string> known;
+        for (const Item& item : plugins) {
+            known.insert(item.name);
+            if (options.plugins && IsWanted(options.pluginNames, item.name)) {
+                chosen.insert(item.name);
+            }
         }
-        order = ReadPluginOrder(session.application);
-        ChoosePlugins();
+        RequireKnown(options.pluginNames, known, "plugin");
     }
 
     CheckResult Check() {
         try {
-            CheckPhases();
+            RunPhase([this] { CheckPlugins(session, chosen, plugins); });
+            if (options.codecs) {
+                RunPhase([this] { CheckAllCodecs(); });
+            }
         } catch (const CheckFailure& failure) {
             AddProblem(failure.what());
         }
@@ -58,72 +88,26 @@ public:
     }
 
 private:
-    void ChoosePlugins() {
-        std::set<std::string> known;
-        for (const Item& item : plugins) {
-            known.insert(item.name);
-        }
-        RequireKnown(session.options.pluginNames, known, "plugin");
-        for (const std::string& name : known) {
-            if (session.options.plugins && IsWanted(session.options.pluginNames, name)) {
-                chosen.insert(name);
-            }
-        }
-    }
-
-    void CheckPhases() {
+    void RunPhase(const std::function<void()>& phase) {
         try {
-            PluginPhase(session, runs, order, chosen, plugins).Check();
-        } catch (const PhaseFailure& failure) {
-            AddProblem(failure.what());
-        }
-        try {
-            if (session.options.codecs) {
-                CheckCodecs();
-            }
+            phase();
         } catch (const PhaseFailure& failure) {
             AddProblem(failure.what());
         }
     }
 
-    void CheckCodecs() {
-        CoreStart core(session, runs, order, plugins);
-        const Listing listing = core.List();
-        ChooseCodecs(listing);
+    void CheckAllCodecs() {
+        Names leftOut;
+        const Listing listing = ListCodecs(session, plugins, leftOut);
+        codecs = ChooseCodecs(options, listing);
         session.listener.OnListing(listing, codecs);
         TellPlugins();
-        CodecPhase(session, runs, core.LeftOut(), codecs).Check();
-    }
-
-    void ChooseCodecs(const Listing& listing) {
-        const CheckOptions& options = session.options;
-        std::set<std::string> implementations, ids;
-        for (const auto& [implementation, coders] : listing.codecs) {
-            implementations.insert(implementation);
-            for (const auto& [coder, codecIds] : coders) {
-                ids.insert(codecIds.begin(), codecIds.end());
+        for (const Item& item : codecs) {
+            if (item.verdict != Verdict::NotReached) {
+                session.Tell(item);
             }
         }
-        RequireKnown(options.implementations, implementations, "implementation");
-        RequireKnown(options.codecIds, ids, "codec");
-        for (const auto& [implementation, coders] : listing.codecs) {
-            if (IsWanted(options.implementations, implementation)) {
-                AddCodecs(implementation, coders);
-            }
-        }
-        std::sort(codecs.begin(), codecs.end(),
-                  [](const Item& left, const Item& right) { return left.name < right.name; });
-    }
-
-    void AddCodecs(const std::string& implementation, const std::map<std::string, Names>& coders) {
-        for (const auto& [coder, ids] : coders) {
-            const std::set<std::string> once(ids.begin(), ids.end());
-            for (const std::string& id : once) {
-                if (IsWanted(session.options.codecIds, id)) {
-                    codecs.push_back(MakeCodec(coder, implementation, id));
-                }
-            }
-        }
+        CheckCodecs(session, leftOut, codecs);
     }
 
     /// Also in a check of codecs alone a plugin counts that the media core has to start without.
@@ -142,15 +126,14 @@ private:
 
     void Complete() {
         TellPlugins();
+        std::ranges::copy_if(plugins, std::back_inserter(result.items),
+                             [this](const Item& item) { return IsPart(item); });
         for (const Item& item : codecs) {
             session.Tell(item);
+            result.items.push_back(item);
         }
-        std::copy_if(plugins.begin(), plugins.end(), std::back_inserter(result.items),
-                     [this](const Item& item) { return IsPart(item); });
-        result.items.insert(result.items.end(), codecs.begin(), codecs.end());
-        session.RemoveUnusedLists(result.items);
-        if (std::any_of(result.items.begin(), result.items.end(),
-                        [](const Item& item) { return item.verdict == Verdict::NotReached; })) {
+        session.RemoveUnusedLists();
+        if (std::ranges::count(result.items, Verdict::NotReached, &Item::verdict) != 0) {
             AddProblem("Not all items were reached");
         }
         result.complete = result.problem.empty();
@@ -162,10 +145,9 @@ private:
         }
     }
 
+    const CheckOptions options;
     CheckResult result;
     Session session;
-    Runs runs;
-    std::vector<PluginPlace> order;
     std::vector<Item> plugins;
     std::set<std::string> chosen;
     std::vector<Item> codecs;

@@ -47,7 +47,7 @@ using RunEnd = std::variant<ExitStatus, KilledBy, OverDeadline>;
 
 /// One process that the check started.
 struct RunFacts {
-    std::vector<std::string> arguments;  ///< without the program
+    std::vector<std::string> arguments;  ///< Assayer's; the helper's name and its own
     RunEnd end;
     double seconds;
 };

@@ -1,12 +1,10 @@
-#include "parent/CodecPhase.h"
-
 #include <algorithm>
 #include <cmath>
 
 #include "core/media/CodecFactory.h"
 #include "core/media/Formats.h"
 #include "core/support/Constants.h"
-#include "parent/Installation.h"
+#include "parent/Phases.h"
 
 namespace Tarnex::Parent {
 namespace {
@@ -15,259 +13,217 @@ using Core::Utils::EMPTY_VALUE;
 
 /// A start costs a tenth of its run at most.
 constexpr double WORK_PER_START = 10;
-/// Until it is known what a start and a test take here.
-constexpr std::size_t LEAST_BATCH = 8;
+/// Codec ids, until it is known what a start and a test take here.
+constexpr std::size_t FIRST_BATCHES = 8;
 
 bool IsDecoder(const Item& item) {
     return item.coder == "Decoder";
 }
 
-bool NeedsQuiet(const Attempt& attempt) {
-    return attempt.verdict == Verdict::Hung || attempt.reason == "SIGKILL";
+/// Whether the test of the decoder takes its input from this encoder.
+bool MakesInput(const Item& encoder, const Item& decoder) {
+    return !IsDecoder(encoder) && encoder.codec == decoder.codec &&
+           (encoder.implementation == Proc::ImplNames::FFMPEG ||
+            encoder.codec == Proc::IFormatCodecVideo::CODEC_ID_H265 ||
+            encoder.codec == Proc::IFormatCodecAudio::CODEC_ID_AC3);
 }
 
-/// Those whose decoder test takes its input from whichever module gives it.
-bool HasAnyonesInput(const std::string& codecId) {
-    return codecId == Proc::IFormatCodecVideo::CODEC_ID_H265 ||
-           codecId == Proc::IFormatCodecAudio::CODEC_ID_AC3;
-}
-
-void AddOnce(Names& names, const std::string& name) {
-    if (!Contains(names, name)) {
-        names.push_back(name);
-    }
-}
-
-}  // namespace
-
-CodecPhase::CodecPhase(Session& session, Runs& runs, Names leftOut, std::vector<Item>& items)
-    : session(session), runs(runs), leftOut(std::move(leftOut)), items(items) {
-    std::set<std::string> known;
-    for (Item& item : items) {
-        byName[item.name] = &item;
-        if (item.verdict == Verdict::NotReached && known.insert(item.codec).second) {
-            ids.push_back(item.codec);
+class CodecPhase {
+public:
+    CodecPhase(Session& session, const Names& leftOut, std::vector<Item>& codecs)
+        : session(session), leftOut(leftOut), codecs(codecs) {
+        std::set<std::string> known;
+        for (Item& item : codecs) {
+            byName[item.name] = &item;
+            if (item.verdict == Verdict::NotReached && known.insert(item.codec).second) {
+                ids.push_back(item.codec);
+            }
         }
     }
-}
 
-void CodecPhase::Check() {
-    const auto open = std::count_if(items.begin(), items.end(), [](const Item& item) {
-        return item.verdict == Verdict::NotReached;
-    });
-    session.progress = {"codecs", 0, static_cast<std::size_t>(open), {}, {}};
-    runs.Drain([this] { return Next(); });
-    session.progress.phase = "trials";
-    LookAgain();
-    TellDecoders();
-}
-
-std::optional<Job> CodecPhase::Next() {
-    if (batches.empty() && !ids.empty()) {
-        batches.push_back(Deal());
-    }
-    if (!batches.empty()) {
-        Job job = BatchJob(std::move(batches.front()));
-        batches.pop_front();
-        return job;
-    }
-    if (trials.empty()) {
-        return std::nullopt;
-    }
-    Job job = std::move(trials.front());
-    trials.pop_front();
-    return job;
-}
-
-/// All open tests of the next ids.
-CodecPhase::Batch CodecPhase::Deal() {
-    const auto end = ids.begin() + static_cast<std::ptrdiff_t>(BatchSize());
-    const std::set<std::string> dealt(ids.begin(), end);
-    ids.erase(ids.begin(), end);
-    Batch batch;
-    for (const Item& item : items) {
-        if (item.verdict == Verdict::NotReached && dealt.contains(item.codec)) {
-            batch.tests.push_back(item.name);
-        }
-    }
-    return batch;
-}
-
-/// Large ones first, smaller towards the end, so that all runs end at about the same time.
-std::size_t CodecPhase::BatchSize() const {
-    const std::size_t jobs = session.options.jobs;
-    const std::size_t share = jobs == 1 ? ids.size() : ids.size() / (2 * jobs);
-    const double worthwhile = std::ceil(WORK_PER_START * startSeconds / secondsOfId);
-    const double most = static_cast<double>(ids.size());
-    const std::size_t least =
-        secondsOfId > 0 ? static_cast<std::size_t>(std::min(worthwhile, most)) : LEAST_BATCH;
-    return std::clamp<std::size_t>(std::max(share, least), 1, ids.size());
-}
-
-/// A run that tests these and nothing else. The list of tests to leave out begins with a comma:
-/// else encoders alone in it would keep all decoders out.
-Job CodecPhase::TestJob(const Names& tests) const {
-    Names implementations, codecs;
-    for (const std::string& test : tests) {
-        AddOnce(implementations, byName.at(test)->implementation);
-        AddOnce(codecs, byName.at(test)->codec);
-    }
-    Names passed;
-    for (const Item& item : items) {
-        if (Contains(codecs, item.codec) && Contains(implementations, item.implementation) &&
-            !Contains(tests, item.name)) {
-            passed.push_back(item.name);
-        }
-    }
-    Job job;
-    job.arguments = {"codecs",
-                     session.GenerousTime(tests.size()),
-                     JoinOrNothing(implementations),
-                     JoinOrNothing(codecs),
-                     JoinOrNothing(leftOut),
-                     EMPTY_VALUE,
-                     EMPTY_VALUE,
-                     EMPTY_VALUE,
-                     passed.empty() ? EMPTY_VALUE : std::string(",").append(JoinOrNothing(passed)),
-                     EMPTY_VALUE};
-    job.watch = Watch(ItemKind::Codec, tests);
-    return job;
-}
-
-Job CodecPhase::BatchJob(Batch batch) {
-    Job job = TestJob(batch.tests);
-    job.done = [this, batch = std::move(batch)](const Run& run) { TakeBatch(run, batch); };
-    return job;
-}
-
-void CodecPhase::TakeBatch(const Run& run, Batch batch) {
-    const Watch& watch = run.GetWatch();
-    for (const auto& [name, attempt] : watch.Attempts()) {
-        if (!IsBad(attempt.verdict)) {
-            Decide(name, attempt, attempt);
-            continue;
-        }
-        sights[name] = {attempt, run.Facts().arguments};
-        if (name == watch.Culprit()) {
-            enders.insert(name);
-            AddTrial(name, false);
-        }
-    }
-    Measure(run);
-    GoOn(run, std::move(batch), batches);
-}
-
-void CodecPhase::Measure(const Run& run) {
-    std::set<std::string> tested;
-    for (const auto& [name, attempt] : run.GetWatch().Attempts()) {
-        tested.insert(byName.at(name)->codec);
-    }
-    if (run.GetWatch().IsFinished() && !tested.empty()) {
-        startSeconds = run.StartSeconds();
-        secondsOfId = (run.Facts().seconds - startSeconds) / static_cast<double>(tested.size());
-    }
-}
-
-/// With what the run didn't come to.
-void CodecPhase::GoOn(const Run& run, Batch batch, std::deque<Batch>& queue) {
-    const Watch& watch = run.GetWatch();
-    batch.tests = watch.Untouched();
-    if (batch.tests.empty()) {
-        return;
-    }
-    if (!watch.Begun().empty()) {
-        batch.repeated = false;
-    } else if (watch.IsFinished()) {
-        session.Note("A run didn't offer what was listed: " + JoinOrNothing(batch.tests));
-        return;
-    } else {
-        RequireFirst(batch.repeated, run);
-    }
-    queue.push_front(std::move(batch));
-}
-
-void CodecPhase::AddTrial(const std::string& name, bool repeated) {
-    Job job = TestJob({name});
-    job.alone = NeedsQuiet(sights.at(name).attempt);
-    job.done = [=, this](const Run& run) { TakeTrial(run, name, repeated); };
-    trials.insert(job.alone ? trials.end() : trials.begin(), std::move(job));
-}
-
-void CodecPhase::TakeTrial(const Run& run, const std::string& name, bool repeated) {
-    const auto& attempts = run.GetWatch().Attempts();
-    if (const auto attempt = attempts.find(name); attempt != attempts.end()) {
-        Decide(name, sights.at(name).attempt, attempt->second);
-    } else {
-        RequireFirst(repeated, run);
-        AddTrial(name, repeated);
-    }
-}
-
-/// At all failures, in one run with nothing beside it: a device may serve few at a time.
-void CodecPhase::LookAgain() {
-    Batch batch;
-    for (const auto& [name, sight] : sights) {
-        if (sight.attempt.verdict == Verdict::Failed) {
-            batch.tests.push_back(name);
-        }
-    }
-    while (!batch.tests.empty()) {
-        Job job = TestJob(batch.tests);
-        std::deque<Batch> rest;
-        job.done = [&](const Run& run) { TakeSecondLook(run, std::move(batch), rest); };
-        std::deque<Job> queue;
-        queue.push_back(std::move(job));
-        runs.Drain(queue);
-        batch = rest.empty() ? Batch() : std::move(rest.front());
-    }
-}
-
-/// The later outcome of a failure counts; who ends a run only now is unsteady.
-void CodecPhase::TakeSecondLook(const Run& run, Batch batch, std::deque<Batch>& rest) {
-    for (const auto& [name, attempt] : run.GetWatch().Attempts()) {
-        const bool ended = EndsRuns(attempt.verdict);
-        Decide(name, ended ? sights.at(name).attempt : attempt, attempt);
-    }
-    GoOn(run, std::move(batch), rest);
-}
-
-void CodecPhase::Decide(const std::string& name, const Attempt& seen, const Attempt& alone) {
-    Item& item = *byName.at(name);
-    Judge(item, seen, alone);
-    ++session.progress.done;
-    if (item.verdict == Verdict::Unsteady) {
-        session.SetRepro(item, sights.at(name).arguments);
-    } else if (IsBad(item.verdict)) {
-        session.SetRepro(item, TestJob({name}).arguments);
-    }
-    if (!IsDecoder(item) || !enders.contains(name)) {
-        session.Tell(item);
-    }
-}
-
-/// Encoders that make the input of decoder tests may have ended runs since.
-void CodecPhase::TellDecoders() {
-    for (const std::string& name : enders) {
-        Item& item = *byName.at(name);
-        if (IsDecoder(item)) {
-            item.input = InputOf(item);
+    void Check() {
+        const auto open = std::ranges::count(codecs, Verdict::NotReached, &Item::verdict);
+        session.progress = {"codecs", 0, static_cast<std::size_t>(open), {}, {}};
+        session.Drain([this] { return NextBatch(); }, [this](const Run& run) { TakeBatch(run); });
+        session.progress.phase = "trials";
+        TryCulprits();
+        LookAgain(failures);
+        for (const std::string& name : culprits) {
+            Item& item = *byName[name];
+            item.input = IsDecoder(item) ? InputOf(item) : std::string();
             session.Tell(item);
         }
     }
-}
 
-std::string CodecPhase::InputOf(const Item& decoder) const {
-    if (HasSample(session.application, decoder.codec)) {
-        return {};
+private:
+    /// What a run didn't come to, else all open tests of the next ids.
+    std::optional<Job> NextBatch() {
+        Names tests;
+        if (!rests.empty()) {
+            tests = std::move(rests.front());
+            rests.pop_front();
+        } else if (!ids.empty()) {
+            const auto end = ids.begin() + static_cast<std::ptrdiff_t>(BatchSize());
+            const std::set<std::string> dealt(ids.begin(), end);
+            ids.erase(ids.begin(), end);
+            for (const Item& item : codecs) {
+                if (item.verdict == Verdict::NotReached && dealt.contains(item.codec)) {
+                    tests.push_back(item.name);
+                }
+            }
+        }
+        return tests.empty() ? std::nullopt : std::optional(TestJob(tests));
     }
-    for (const std::string& name : enders) {
-        const Item& encoder = *byName.at(name);
-        if (!IsDecoder(encoder) && encoder.codec == decoder.codec &&
-            (HasAnyonesInput(encoder.codec) || encoder.implementation == Proc::ImplNames::FFMPEG)) {
-            return name;
+
+    /// Large ones first, smaller towards the end, so that all runs end at about the same time.
+    std::size_t BatchSize() const {
+        const std::size_t jobs = session.options.jobs;
+        const std::size_t share = jobs == 1 ? ids.size() : ids.size() / (3 * jobs);
+        const double worthwhile = secondsOfId > 0 ? WORK_PER_START * startSeconds / secondsOfId
+                                                  : static_cast<double>(FIRST_BATCHES);
+        const double least = std::min(std::ceil(worthwhile), static_cast<double>(ids.size()));
+        return std::max({share, static_cast<std::size_t>(least), std::size_t{1}});
+    }
+
+    /// A run that tests these and nothing else. The list of tests to leave out begins with a comma:
+    /// else encoders alone in it would keep all decoders out.
+    Job TestJob(const Names& tests) const {
+        std::set<std::string> implementations, ids;
+        for (const std::string& test : tests) {
+            implementations.insert(byName.at(test)->implementation);
+            ids.insert(byName.at(test)->codec);
+        }
+        std::string others;
+        for (const Item& item : codecs) {
+            if (ids.contains(item.codec) && implementations.contains(item.implementation) &&
+                !Contains(tests, item.name)) {
+                others += "," + item.name;
+            }
+        }
+        Job job;
+        job.arguments = {"codecs",
+                         session.Time(tests.size()),
+                         JoinOrNothing({implementations.begin(), implementations.end()}),
+                         JoinOrNothing({ids.begin(), ids.end()}),
+                         JoinOrNothing(leftOut),
+                         EMPTY_VALUE,
+                         EMPTY_VALUE,
+                         EMPTY_VALUE,
+                         others.empty() ? EMPTY_VALUE : others,
+                         EMPTY_VALUE};
+        job.watch.kind = ItemKind::Codec;
+        job.watch.expected = tests;
+        return job;
+    }
+
+    void TakeBatch(const Run& run) {
+        const Watch& watch = run.job.watch;
+        for (const auto& [name, attempt] : watch.attempts) {
+            if (!IsBad(attempt.verdict)) {
+                Decide(name, attempt, attempt);
+                continue;
+            }
+            seen[name] = attempt;
+            batchOf[name] = run.job.arguments;
+            (name == watch.culprit ? culprits : failures).push_back(name);
+        }
+        Measure(run);
+        GoOn(watch, rests);
+    }
+
+    void Measure(const Run& run) {
+        std::set<std::string> tested;
+        for (const std::string& name : run.job.watch.begun) {
+            tested.insert(byName.at(name)->codec);
+        }
+        if (run.job.watch.finished && !tested.empty()) {
+            startSeconds = run.startSeconds;
+            secondsOfId = (run.seconds - startSeconds) / static_cast<double>(tested.size());
         }
     }
-    return {};
+
+    /// With what the run didn't come to.
+    void GoOn(const Watch& watch, std::deque<Names>& queue) {
+        const Names rest = watch.Untouched();
+        if (watch.begun.empty()) {
+            session.Note("A run didn't offer what was listed: " + JoinOrNothing(rest));
+        } else if (!rest.empty()) {
+            queue.push_front(rest);
+        }
+    }
+
+    void TryCulprits() {
+        std::vector<Job> jobs;
+        for (const std::string& name : culprits) {
+            jobs.push_back(TestJob({name}));
+            jobs.back().alone = NeedsQuiet(seen[name]);
+        }
+        session.RunAll(jobs, [&](std::size_t, const Run& run) {
+            for (const auto& [name, attempt] : run.job.watch.attempts) {
+                Decide(name, seen[name], attempt);
+            }
+        });
+    }
+
+    /// At failures in one run with nothing beside it: a device may serve few at a time. The later
+    /// outcome counts; who ends a run only now is unsteady.
+    void LookAgain(const Names& tests) {
+        std::deque<Names> queue;
+        if (!tests.empty()) {
+            queue.push_back(tests);
+        }
+        while (!queue.empty()) {
+            const Watch watch = session.RunOne(TestJob(std::exchange(queue.front(), {})));
+            queue.pop_front();
+            for (const auto& [name, attempt] : watch.attempts) {
+                Decide(name, EndsRuns(attempt.verdict) ? seen[name] : attempt, attempt);
+            }
+            GoOn(watch, queue);
+        }
+    }
+
+    void Decide(const std::string& name, const Attempt& first, const Attempt& later) {
+        Item& item = *byName[name];
+        Judge(item, first, later);
+        ++session.progress.done;
+        if (item.verdict == Verdict::Unsteady) {
+            item.repro = ToRepro(session.options, batchOf[name]);
+        } else if (IsBad(item.verdict)) {
+            item.repro = ToRepro(session.options, TestJob({name}).arguments);
+        }
+        // Encoders that make the input of a decoder's test may be found out later.
+        if (!IsDecoder(item) || !Contains(culprits, name)) {
+            session.Tell(item);
+        }
+    }
+
+    /// The encoder test that ended a run and makes the decoder's input.
+    std::string InputOf(const Item& decoder) const {
+        const auto encoder = std::ranges::find_if(culprits, [&](const std::string& name) {
+            return MakesInput(*byName.at(name), decoder);
+        });
+        const bool isMade =
+            encoder != culprits.end() && !HasSample(session.options.application, decoder.codec);
+        return isMade ? *encoder : std::string();
+    }
+
+    Session& session;
+    const Names& leftOut;
+    std::vector<Item>& codecs;
+    std::map<std::string, Item*> byName;
+    std::deque<std::string> ids;           // not dealt out yet
+    std::deque<Names> rests;               // of batches whose runs ended early
+    std::map<std::string, Attempt> seen;   // of culprits and failures
+    std::map<std::string, Names> batchOf;  // arguments of their runs
+    Names culprits, failures;
+    double startSeconds = 0;
+    double secondsOfId = 0;  // 0: not measured yet
+};
+
+}  // namespace
+
+void CheckCodecs(Session& session, const Names& leftOut, std::vector<Item>& codecs) {
+    CodecPhase(session, leftOut, codecs).Check();
 }
 
 }  // namespace Tarnex::Parent

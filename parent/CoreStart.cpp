@@ -1,116 +1,142 @@
-#include "parent/CoreStart.h"
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "core/media/PluginFactories.h"
 #include "parent/Minimize.h"
+#include "parent/Phases.h"
 
 namespace Tarnex::Parent {
 namespace {
 
-/// How the helper begins the text of what it was told as an exception.
-constexpr std::string_view HELPER_MARK = "assayer-list: ";
-
-Names Without(const Names& names, const Names& others) {
-    Names rest;
-    std::copy_if(names.begin(), names.end(), std::back_inserter(rest),
-                 [&](const std::string& name) { return !Contains(others, name); });
-    return rest;
+Names Without(Names names, const Names& others) {
+    std::erase_if(names, [&](const std::string& name) { return Contains(others, name); });
+    return names;
 }
 
-Names HelperArguments(const Names& without) {
-    return without.empty() ? Names() : Names{"--without", JoinOrNothing(without)};
+/// What the core loads when it starts.
+bool IsOfCore(const std::string& factory) {
+    return factory == Core::CODEC_FACTORY || factory == Core::MUXER_FACTORY ||
+           factory == Core::PARSER_FACTORY;
 }
 
+/// An exception's text is the helper's last words, after its name.
 Attempt ToAttempt(const Run& run) {
-    Attempt attempt = FromEnd(run.Facts().end);
-    const std::size_t mark = run.LastWords().rfind(HELPER_MARK);
-    if (attempt.reason == "1" && mark != std::string::npos) {
-        attempt = MakeFailure(run.LastWords().substr(mark + HELPER_MARK.size()));
-    }
-    attempt.seconds = run.Facts().seconds;
+    const std::string mark = std::string(HELPER) + ": ";
+    const std::size_t text = run.lastWords.rfind(mark);
+    const bool told = FromEnd(run.end).reason == "1" && text != std::string::npos;
+    Attempt attempt =
+        told ? MakeFailure(run.lastWords.substr(text + mark.size())) : FromEnd(run.end);
+    attempt.seconds = run.seconds;
     return attempt;
 }
 
-Listing Parse(const std::string& text) {
+/// Modules may have written to standard output too.
+std::optional<Listing> Parse(const std::string& output) {
+    const std::size_t line = output.rfind("{\"codecs\"");
     try {
-        const auto json = nlohmann::json::parse(text);
-        return {json.at("codecs").get<decltype(Listing::codecs)>(), json.at("files").get<Names>()};
-    } catch (const nlohmann::json::exception& exception) {
-        throw PhaseFailure(std::string("assayer-list gave no list of codecs: ") + exception.what());
+        const auto json = nlohmann::json::parse(output.substr(std::min(line, output.size())));
+        return Listing{json.at("codecs").get<decltype(Listing::codecs)>(),
+                       json.at("files").get<Names>()};
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;
     }
 }
 
+class CoreStart {
+public:
+    CoreStart(Session& session, std::vector<Item>& plugins, Names& leftOut)
+        : session(session), plugins(plugins), leftOut(leftOut) {
+        for (const auto& [name, factory] : session.order) {
+            if (IsOfCore(factory) && !Contains(leftOut, name) && !Contains(candidates, name)) {
+                candidates.push_back(name);
+            }
+        }
+    }
+
+    Listing List() {
+        Start start = TryWith(candidates);
+        if (!start.listing) {
+            FindCulprits(start);
+            start = TryWith(candidates);
+        }
+        if (!start.listing) {
+            Fail(start);
+        }
+        return *start.listing;
+    }
+
+private:
+    struct Start {
+        std::optional<Listing> listing;
+        Attempt attempt;
+        Names arguments;
+    };
+
+    Start TryWith(const Names& names) {
+        Names without = Without(candidates, names);
+        without.insert(without.end(), leftOut.begin(), leftOut.end());
+        Job job;
+        job.helper = true;
+        if (!without.empty()) {
+            job.arguments = {"--without", JoinOrNothing(without)};
+        }
+        Start start;
+        session.RunAll({job}, [&](std::size_t, const Run& run) {
+            const auto* exit = std::get_if<ExitStatus>(&run.end);
+            const bool works = exit != nullptr && exit->status == 0;
+            start = {works ? Parse(run.output) : std::nullopt, {}, job.arguments};
+            start.attempt = start.listing ? Attempt() : ToAttempt(run);
+        });
+        return start;
+    }
+
+    [[noreturn]] static void Fail(const Start& start) {
+        throw PhaseFailure("The media core doesn't start, whatever module is left out: " +
+                           start.attempt.reason);
+    }
+
+    /// The fewest plugins without which the core starts; there may be more than one.
+    void FindCulprits(const Start& first) {
+        const auto startsWithout = [&](const Names& names) {
+            return TryWith(Without(candidates, names)).listing.has_value();
+        };
+        if (!startsWithout(candidates)) {
+            Fail(first);
+        }
+        const Names culprits = Minimize(candidates, startsWithout, [] { return true; });
+        const Names innocent = Without(candidates, culprits);
+        for (const std::string& name : culprits) {
+            Names company = innocent;
+            company.push_back(name);
+            Blame(name, culprits.size() == 1 ? first : TryWith(company), TryWith({name}));
+        }
+        candidates = innocent;
+        leftOut.insert(leftOut.end(), culprits.begin(), culprits.end());
+    }
+
+    void Blame(const std::string& name, const Start& seen, const Start& alone) {
+        Item& item = *std::ranges::find(plugins, name, &Item::name);
+        Judge(item, seen.attempt, alone.attempt);
+        item.phase = "core start";
+        item.repro = ToRepro(session.options, alone.arguments);
+        item.repro.front() = (session.options.application / HELPER).native();
+    }
+
+    Session& session;
+    std::vector<Item>& plugins;
+    Names& leftOut;
+    Names candidates;
+};
+
 }  // namespace
 
-CoreStart::CoreStart(Session& session, Runs& runs, const std::vector<PluginPlace>& order,
-                     std::vector<Item>& plugins)
-    : session(session), runs(runs), plugins(plugins) {
+Listing ListCodecs(Session& session, std::vector<Item>& plugins, Names& leftOut) {
     for (const Item& item : plugins) {
         if (item.verdict == Verdict::Failed || EndsRuns(item.verdict)) {
             leftOut.push_back(item.name);
         }
     }
-    candidates = Without(CorePlugins(order), leftOut);
-}
-
-Listing CoreStart::List() {
-    Start start = Try(leftOut);
-    if (!start.works) {
-        FindCulprits(start);
-        start = Try(leftOut);
-    }
-    if (!start.works) {
-        throw PhaseFailure("The media core doesn't start: " + start.attempt.reason);
-    }
-    return Parse(start.output);
-}
-
-CoreStart::Start CoreStart::Try(Names without) {
-    Start start{};
-    Job job;
-    job.arguments = HelperArguments(without);
-    job.helper = true;
-    job.done = [&](const Run& run) {
-        const auto* exit = std::get_if<ExitStatus>(&run.Facts().end);
-        start = {exit != nullptr && exit->status == 0, ToAttempt(run), run.Output()};
-    };
-    runs.RunNow(std::move(job));
-    return start;
-}
-
-CoreStart::Start CoreStart::TryOnly(const Names& names) {
-    Names without = Without(candidates, names);
-    without.insert(without.end(), leftOut.begin(), leftOut.end());
-    return Try(without);
-}
-
-/// The fewest plugins without which the core starts: there may be more than one.
-void CoreStart::FindCulprits(const Start& first) {
-    const auto helps = [&](const Names& names) {
-        return TryOnly(Without(candidates, names)).works;
-    };
-    if (!helps(candidates)) {
-        throw PhaseFailure("The media core doesn't start, even without plugins: " +
-                           first.attempt.reason);
-    }
-    const Names culprits = Minimize(candidates, helps, [] { return true; });
-    for (const std::string& name : culprits) {
-        const bool single = culprits.size() == 1;
-        const Names others = Without(culprits, {name});
-        Blame(name, single ? first.attempt : TryOnly(Without(candidates, others)).attempt);
-    }
-    leftOut.insert(leftOut.end(), culprits.begin(), culprits.end());
-}
-
-/// By the end that the start takes with it alone.
-void CoreStart::Blame(const std::string& name, const Attempt& seen) {
-    const auto item = std::find_if(plugins.begin(), plugins.end(),
-                                   [&](const Item& plugin) { return plugin.name == name; });
-    Judge(*item, seen, TryOnly({name}).attempt);
-    item->phase = "core start";
-    item->repro = session.result.runs.back().arguments;
-    item->repro.front() = session.Helper();
+    return CoreStart(session, plugins, leftOut).List();
 }
 
 }  // namespace Tarnex::Parent

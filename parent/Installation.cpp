@@ -1,9 +1,9 @@
 #include "parent/Installation.h"
 
 #include <algorithm>
-#include <array>
+#include <set>
 
-#include "core/support/Exception.h"
+#include "core/media/PluginFactories.h"
 #include "parent/Check.h"
 #include "support/PluginList.h"
 
@@ -12,18 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view OGL_MANAGER = "OglManager";
-constexpr std::array<std::string_view, 6> FACTORIES = {"EffectFactory", "FilterFactory",
-                                                       "CodecFactory",  "MuxerFactory",
-                                                       "ParserFactory", "AnalyzerFactory"};
-constexpr std::array<std::string_view, 3> CORE_FACTORIES = {"CodecFactory", "MuxerFactory",
-                                                            "ParserFactory"};
-
-template <class Range, class Value>
-bool Contains(const Range& range, const Value& value) {
-    return std::find(range.begin(), range.end(), value) != range.end();
-}
-
 fs::path ModulePath(const fs::path& application, const std::string& plugin) {
     return application / (plugin + ".so");
 }
@@ -31,13 +19,11 @@ fs::path ModulePath(const fs::path& application, const std::string& plugin) {
 }  // namespace
 
 std::vector<PluginPlace> ReadPluginOrder(const fs::path& application) {
-    const auto lists = Core::Utils::ReadPluginLists((application / "plugins.list").native());
-    std::vector<PluginPlace> order{{std::string(OGL_MANAGER), std::string(OGL_MANAGER)}};
-    for (const std::string_view factory : FACTORIES) {
-        if (const auto list = lists.find(std::string(factory)); list != lists.end()) {
-            for (const std::string& name : list->second) {
-                order.push_back({name, list->first});
-            }
+    auto lists = Core::Utils::ReadPluginLists((application / Core::PLUGIN_LIST_FILE).native());
+    std::vector<PluginPlace> order{{Core::OGL_MANAGER, Core::OGL_MANAGER}};
+    for (const char* factory : Core::PLUGIN_FACTORIES) {
+        for (const std::string& name : lists[factory]) {
+            order.push_back({name, factory});
         }
     }
     return order;
@@ -48,46 +34,30 @@ bool HasModule(const fs::path& application, const std::string& plugin) {
     return fs::exists(ModulePath(application, plugin), ignored);
 }
 
-std::vector<std::string> CorePlugins(const std::vector<PluginPlace>& order) {
-    std::vector<std::string> names;
-    for (const auto& [name, factory] : order) {
-        if (Contains(CORE_FACTORIES, factory) && !Contains(names, name)) {
-            names.push_back(name);
-        }
-    }
-    return names;
-}
-
 /// The whole path counts, as it does there.
 bool HasSample(const fs::path& application, const std::string& codecId) {
     std::error_code ignored;
     const fs::path folder = fs::canonical(application, ignored) / "resources" / "codecSamples";
-    for (const auto& entry : fs::directory_iterator(folder, ignored)) {
-        if (entry.path().native().find(codecId) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
+    const fs::directory_iterator samples(folder, ignored);
+    return std::any_of(begin(samples), end(samples), [&](const fs::directory_entry& entry) {
+        return entry.path().native().find(codecId) != std::string::npos;
+    });
 }
 
 std::vector<Item> ListPlugins(const fs::path& application) {
     std::vector<Item> items;
+    std::set<std::string> known;
     for (const auto& [name, factory] : ReadPluginOrder(application)) {
-        if (std::any_of(items.begin(), items.end(),
-                        [&](const Item& item) { return item.name == name; })) {
+        if (!known.insert(name).second) {
             continue;
         }
-        Item item;
-        item.name = name;
-        item.factory = factory;
         std::error_code error;
         const fs::path file = fs::canonical(ModulePath(application, name), error);
-        if (error) {
-            item.verdict = Verdict::Missing;
-        } else {
-            item.file = FileFacts{file.native(), 0, {}, {}};
-        }
-        items.push_back(std::move(item));
+        Item& item = items.emplace_back();
+        item.name = name;
+        item.factory = factory;
+        item.verdict = error ? Verdict::Missing : Verdict::NotReached;
+        item.file = error ? std::nullopt : std::optional(FileFacts{file.native(), 0, {}, {}});
     }
     return items;
 }

@@ -6,6 +6,10 @@
 
 namespace Tarnex::Parent {
 
+inline constexpr char PROGRAM[] = "Assayer";
+/// Lists what the media core offers; lies beside it.
+inline constexpr char HELPER[] = "assayer-list";
+
 /// A place in the order of the check; a name that two factories list has two.
 struct PluginPlace {
     std::string name;
@@ -16,9 +20,6 @@ struct PluginPlace {
 std::vector<PluginPlace> ReadPluginOrder(const std::filesystem::path& application);
 
 bool HasModule(const std::filesystem::path& application, const std::string& plugin);
-
-/// The plugins that the media core loads when it starts.
-std::vector<std::string> CorePlugins(const std::vector<PluginPlace>& order);
 
 /// Whether Assayer finds a sample file for the codec id.
 bool HasSample(const std::filesystem::path& application, const std::string& codecId);

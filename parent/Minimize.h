@@ -1,8 +1,8 @@
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace Tarnex::Parent {
@@ -15,35 +15,31 @@ inline std::vector<std::string> Minimize(
     const std::function<bool(const std::vector<std::string>&)>& holds,
     const std::function<bool()>& mayGoOn) {
     std::size_t parts = 2;
+    const auto shrinkTo = [&](const std::vector<std::string>& part, std::size_t nextParts) {
+        const bool smaller = mayGoOn() && holds(part);
+        if (smaller) {
+            names = part;
+            parts = nextParts;
+        }
+        return smaller;
+    };
     const auto tryPart = [&](std::size_t part) {
-        const auto at = [&](std::size_t i) {
-            return names.begin() + static_cast<std::ptrdiff_t>(names.size() * i / parts);
-        };
-        std::vector<std::string> rest(names.begin(), at(part));
-        rest.insert(rest.end(), at(part + 1), names.end());
-        std::vector<std::string> only(at(part), at(part + 1));
-        if (mayGoOn() && holds(only)) {
-            names = std::move(only);
-            parts = 2;
-            return true;
-        }
-        if (parts > 2 && mayGoOn() && holds(rest)) {
-            names = std::move(rest);
-            --parts;
-            return true;
-        }
-        return false;
+        const auto first = names.begin() + static_cast<std::ptrdiff_t>(names.size() * part / parts);
+        const auto last =
+            names.begin() + static_cast<std::ptrdiff_t>(names.size() * (part + 1) / parts);
+        std::vector<std::string> rest(names.begin(), first);
+        rest.insert(rest.end(), last, names.end());
+        return shrinkTo({first, last}, 2) || (parts > 2 && shrinkTo(rest, parts - 1));
     };
     while (names.size() > 1 && mayGoOn()) {
         bool smaller = false;
         for (std::size_t part = 0; part < parts && !smaller; ++part) {
             smaller = tryPart(part);
         }
-        if (!smaller && parts >= names.size()) {
+        if (!smaller && parts == names.size()) {
             break;
         }
-        parts = smaller ? parts : 2 * parts;
-        parts = std::min(parts, names.size());
+        parts = std::min(smaller ? parts : 2 * parts, names.size());
     }
     return names;
 }

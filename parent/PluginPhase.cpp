@@ -1,9 +1,9 @@
-#include "parent/PluginPhase.h"
-
 #include <algorithm>
+#include <utility>
 
 #include "core/support/Constants.h"
 #include "parent/Minimize.h"
+#include "parent/Phases.h"
 
 namespace Tarnex::Parent {
 namespace {
@@ -15,264 +15,218 @@ constexpr std::chrono::minutes MAX_COMPANY_TIME{2};
 /// What only a crowd does, none of it does: it uses something up.
 constexpr std::size_t MOST_SPOILERS = 3;
 
-constexpr char LOOP_LIST[] = "known.list";
-constexpr char COMPANY_LIST[] = "company.list";
+/// Was bad in company.
+struct Suspect {
+    Item& item;
+    Attempt seen;
+    Names before;  // loaded before it in that run
+    Attempt alone{};
+};
 
-Names PluginArguments(const std::string& seconds, const std::string& list,
-                      const std::string& behind) {
-    return {"plugins", seconds,     EMPTY_VALUE, EMPTY_VALUE, EMPTY_VALUE,
-            list,      EMPTY_VALUE, behind,      EMPTY_VALUE, EMPTY_VALUE};
-}
+class PluginPhase {
+public:
+    PluginPhase(Session& session, const std::set<std::string>& chosen, std::vector<Item>& plugins)
+        : session(session), chosen(chosen), plugins(plugins) {}
 
-bool NeedsQuiet(const Attempt& attempt) {
-    return attempt.verdict == Verdict::Hung || attempt.reason == "SIGKILL";
-}
+    void Check() {
+        session.progress = {"plugins", 0, Loadable().size(), {}, {}};
+        while (session.progress.total > 0 && Loop()) {
+        }
+        while (!suspects.empty()) {
+            session.progress.phase = "trials";
+            TrySuspects();
+            session.progress.phase = "company";
+            for (const Suspect& suspect : std::exchange(unsteady, {})) {
+                FindCompany(suspect);
+            }
+        }
+        for (const auto& [name, attempt] : passed) {
+            if (IsOpen(Find(name))) {
+                Judge(Find(name), attempt, attempt);
+            }
+        }
+    }
+
+private:
+    Item& Find(const std::string& name) { return *std::ranges::find(plugins, name, &Item::name); }
+
+    bool IsOpen(const Item& item) const {
+        return item.verdict == Verdict::NotReached && chosen.contains(item.name);
+    }
+
+    Names Loadable() const {
+        Names names;
+        for (const Item& item : plugins) {
+            if (IsOpen(item) && !culprits.contains(item.name)) {
+                names.push_back(item.name);
+            }
+        }
+        return names;
+    }
+
+    /// A run that loads these, at all their places after the culprit, and nothing else.
+    Job LoadJob(const Names& names, const std::string& listName, const std::string& culprit = {}) {
+        Names expected, others;
+        bool begun = culprit.empty();
+        for (const auto& [name, factory] : session.order) {
+            if (!Contains(names, name)) {
+                others.push_back(name);
+            } else if (begun) {
+                expected.push_back(name);
+            }
+            begun = begun || name == culprit;
+        }
+        Job job;
+        job.arguments = {"plugins",   session.Time(expected.size()),
+                         EMPTY_VALUE, EMPTY_VALUE,
+                         EMPTY_VALUE, session.WriteList(listName, others),
+                         EMPTY_VALUE, culprit.empty() ? EMPTY_VALUE : culprit,
+                         EMPTY_VALUE, EMPTY_VALUE};
+        job.watch.expected = std::move(expected);
+        return job;
+    }
+
+    /// One run over what is left; false once all was loaded.
+    bool Loop() {
+        const Watch watch = session.RunOne(LoadJob(Loadable(), "known.list", after));
+        if (!watch.finished && MarkVanished(watch)) {
+            return true;
+        }
+        TakeAttempts(watch);
+        session.progress.done = passed.size() + suspects.size();
+        after = watch.culprit;
+        culprits.insert(after);
+        return !watch.finished && !after.empty();
+    }
+
+    void TakeAttempts(const Watch& watch) {
+        for (const auto& [name, attempt] : watch.attempts) {
+            if (IsBad(attempt.verdict)) {
+                const auto place = std::ranges::find(watch.begun, name);
+                suspects.push_back({Find(name), attempt, {watch.begun.begin(), place}});
+            } else {
+                passed[name] = attempt;
+            }
+        }
+    }
+
+    /// Somebody may remove a module while we are at work: Assayer passes it over then.
+    bool MarkVanished(const Watch& watch) {
+        bool any = false;
+        for (const std::string& name : watch.Untouched()) {
+            if (IsOpen(Find(name)) && !HasModule(session.options.application, name)) {
+                Find(name).verdict = Verdict::Missing;
+                any = true;
+            }
+        }
+        return any;
+    }
+
+    void TrySuspects() {
+        std::vector<Suspect> tried = std::exchange(suspects, {});
+        std::vector<Job> jobs;
+        for (const Suspect& suspect : tried) {
+            jobs.push_back(LoadJob({suspect.item.name}, NextList("alone")));
+            jobs.back().alone = NeedsQuiet(suspect.seen);
+        }
+        session.RunAll(jobs, [&](std::size_t place, const Run& run) {
+            Suspect& suspect = tried[place];
+            suspect.alone = run.job.watch.attempts.at(suspect.item.name);
+            Decide(suspect, run.job.arguments);
+        });
+    }
+
+    void Decide(const Suspect& suspect, const Names& arguments) {
+        Item& item = suspect.item;
+        Judge(item, suspect.seen, suspect.alone);
+        if (item.verdict == Verdict::Unsteady) {
+            unsteady.push_back(suspect);
+        } else if (IsBad(item.verdict)) {
+            item.repro = ToRepro(session.options, arguments);
+        }
+        if (EndsRuns(item.verdict)) {
+            session.Tell(item);
+        }
+    }
+
+    /// Not of a hang: each question may take as long as an item may.
+    void FindCompany(const Suspect& suspect) {
+        Item& item = suspect.item;
+        Names company = suspect.before;
+        const bool again = suspect.seen.verdict != Verdict::Hung && !company.empty() &&
+                           IsBadAmong(company, suspect);
+        if (again) {
+            company = Shrink(company, suspect);
+        }
+        if (!company.empty() && WasBlamedFalsely(suspect, company)) {
+            return;
+        }
+        if (again) {
+            item.company = company;
+        }
+        for (const std::string& name : item.company) {
+            if (company.size() <= MOST_SPOILERS) {
+                Find(name).spoils.push_back(item.name);
+            }
+        }
+        company.push_back(item.name);
+        item.repro = ToRepro(session.options, LoadJob(company, NextList("company")).arguments);
+    }
+
+    Names Shrink(const Names& company, const Suspect& suspect) {
+        int left = MAX_COMPANY_RUNS - 1;
+        const Clock::time_point until = Clock::now() + MAX_COMPANY_TIME;
+        return Minimize(
+            company, [&](const Names& part) { return IsBadAmong(part, suspect); },
+            [&] { return left-- > 0 && Clock::now() < until; });
+    }
+
+    bool IsBadAmong(const Names& names, const Suspect& suspect) {
+        Names all = names;
+        all.push_back(suspect.item.name);
+        const Watch watch = session.RunOne(LoadJob(all, "company.list"));
+        const auto attempt = watch.attempts.find(suspect.item.name);
+        return attempt != watch.attempts.end() && IsSame(attempt->second, suspect.seen);
+    }
+
+    /// A module can write records about others. Who is told of in a run that doesn't load it was
+    /// blamed by such records: its trial counts, and whoever was bad in that run is suspected.
+    bool WasBlamedFalsely(const Suspect& suspect, const Names& company) {
+        const Watch control = session.RunOne(LoadJob(company, "company.list"));
+        if (!Contains(control.strays, suspect.item.name)) {
+            return false;
+        }
+        Judge(suspect.item, suspect.alone, suspect.alone);
+        session.Note("Records that blamed " + suspect.item.name + " came from another module, of " +
+                     JoinOrNothing(company));
+        for (const auto& [name, attempt] : control.attempts) {
+            if (IsBad(attempt.verdict) && IsOpen(Find(name))) {
+                suspects.push_back({Find(name), attempt, {}});
+            }
+        }
+        return true;
+    }
+
+    std::string NextList(const std::string& stem) {
+        return stem + "-" + std::to_string(++lists) + ".list";
+    }
+
+    Session& session;
+    const std::set<std::string>& chosen;
+    std::vector<Item>& plugins;
+    std::string after;  // the culprit of the last run
+    std::set<std::string> culprits;
+    std::map<std::string, Attempt> passed;
+    std::vector<Suspect> suspects;
+    std::vector<Suspect> unsteady;
+    int lists = 0;
+};
 
 }  // namespace
 
-PluginPhase::PluginPhase(Session& session, Runs& runs, const std::vector<PluginPlace>& order,
-                         const std::set<std::string>& chosen, std::vector<Item>& items)
-    : session(session),
-      runs(runs),
-      order(order),
-      chosen(chosen),
-      items(items),
-      behind(EMPTY_VALUE) {}
-
-void PluginPhase::Check() {
-    session.progress = {"plugins", 0, Loadable().size(), {}, {}};
-    if (session.progress.total == 0) {
-        return;
-    }
-    queue.push_back(LoopJob());
-    do {
-        runs.Drain(queue);
-        session.progress.phase = "company";
-        for (const Suspect& suspect : std::exchange(unsteady, {})) {
-            FindCompany(suspect);
-        }
-    } while (!queue.empty());
-    DecideRest();
-}
-
-Item& PluginPhase::Find(const std::string& name) {
-    return *std::find_if(items.begin(), items.end(),
-                         [&](const Item& item) { return item.name == name; });
-}
-
-bool PluginPhase::IsOpen(const Item& item) const {
-    return item.verdict == Verdict::NotReached && chosen.contains(item.name);
-}
-
-std::set<std::string> PluginPhase::Loadable() const {
-    std::set<std::string> names;
-    for (const Item& item : items) {
-        if (IsOpen(item) && !culprits.contains(item.name)) {
-            names.insert(item.name);
-        }
-    }
-    return names;
-}
-
-/// All places of these names.
-Names PluginPhase::Order(const std::set<std::string>& names) const {
-    Names places;
-    for (const PluginPlace& place : order) {
-        if (names.contains(place.name)) {
-            places.push_back(place.name);
-        }
-    }
-    return places;
-}
-
-Names PluginPhase::OthersThan(const Names& names) const {
-    std::set<std::string> others;
-    for (const PluginPlace& place : order) {
-        others.insert(place.name);
-    }
-    for (const std::string& name : names) {
-        others.erase(name);
-    }
-    return {others.begin(), others.end()};
-}
-
-Names PluginPhase::Behind(const std::set<std::string>& wanted) const {
-    Names expected;
-    bool begun = behind == EMPTY_VALUE;
-    for (const PluginPlace& place : order) {
-        if (begun && wanted.contains(place.name)) {
-            expected.push_back(place.name);
-        }
-        begun = begun || place.name == behind;
-    }
-    return expected;
-}
-
-Job PluginPhase::LoopJob() {
-    const std::set<std::string> wanted = Loadable();
-    Names expected = Behind(wanted);
-    const std::string list =
-        session.WriteList(LOOP_LIST, OthersThan({wanted.begin(), wanted.end()}));
-    const std::string time = session.GenerousTime(expected.size());
-    return {PluginArguments(time, list, behind), Watch(ItemKind::Plugin, std::move(expected)),
-            [this](const Run& run) { TakeLoopRun(run); }};
-}
-
-void PluginPhase::TakeLoopRun(const Run& run) {
-    const Watch& watch = run.GetWatch();
-    if (!watch.IsFinished() && MarkVanished(watch)) {
-        queue.push_front(LoopJob());
-        return;
-    }
-    TakeAttempts(watch);
-    if (watch.IsFinished()) {
-        return;
-    }
-    if (watch.Culprit().empty()) {
-        RequireFirst(repeated, run);
-    } else {
-        repeated = false;
-        behind = watch.Culprit();
-        culprits.insert(behind);
-    }
-    queue.push_front(LoopJob());
-}
-
-void PluginPhase::TakeAttempts(const Watch& watch) {
-    const Names& begun = watch.Begun();
-    for (const auto& [name, attempt] : watch.Attempts()) {
-        seen.insert_or_assign(name, attempt);
-        if (IsBad(attempt.verdict)) {
-            const auto place = std::find(begun.begin(), begun.end(), name);
-            AddTrial({name, attempt, {begun.begin(), place}, {}});
-        }
-    }
-    session.progress.done = seen.size();
-}
-
-/// Somebody may remove a module while we are at work: Assayer passes it over then.
-bool PluginPhase::MarkVanished(const Watch& watch) {
-    bool any = false;
-    for (const std::string& name : watch.Untouched()) {
-        Item& item = Find(name);
-        if (!HasModule(session.application, name) && IsOpen(item)) {
-            item.verdict = Verdict::Missing;
-            any = true;
-        }
-    }
-    return any;
-}
-
-/// A run that loads these plugins alone.
-Job PluginPhase::LoadJob(const Names& names, const std::string& listName) {
-    Names expected = Order({names.begin(), names.end()});
-    const std::string list = session.WriteList(listName, OthersThan(names));
-    const std::string time = session.GenerousTime(expected.size());
-    return {
-        PluginArguments(time, list, EMPTY_VALUE), Watch(ItemKind::Plugin, std::move(expected)), {}};
-}
-
-void PluginPhase::AddTrial(Suspect suspect) {
-    Job job = LoadJob({suspect.name}, "alone-" + std::to_string(lists++) + ".list");
-    job.alone = NeedsQuiet(suspect.seen);
-    job.done = [this, suspect = std::move(suspect)](const Run& run) { TakeTrial(run, suspect); };
-    queue.push_back(std::move(job));
-}
-
-void PluginPhase::TakeTrial(const Run& run, Suspect suspect) {
-    const auto& attempts = run.GetWatch().Attempts();
-    const Names& arguments = run.Facts().arguments;
-    if (const auto attempt = attempts.find(suspect.name); attempt != attempts.end()) {
-        suspect.alone = attempt->second;
-        Decide(suspect, arguments);
-    } else {
-        RequireFirst(suspect.repeated, run);
-        AddTrial(suspect);
-    }
-}
-
-void PluginPhase::Decide(const Suspect& suspect, const Names& arguments) {
-    Item& item = Find(suspect.name);
-    Judge(item, suspect.seen, suspect.alone);
-    if (item.verdict == Verdict::Unsteady) {
-        unsteady.push_back(suspect);
-    } else if (IsBad(item.verdict)) {
-        session.SetRepro(item, arguments);
-    }
-    if (EndsRuns(item.verdict)) {
-        session.Tell(item);
-    }
-}
-
-void PluginPhase::DecideRest() {
-    for (Item& item : items) {
-        const auto attempt = seen.find(item.name);
-        if (IsOpen(item) && attempt != seen.end()) {
-            Judge(item, attempt->second, attempt->second);
-        }
-    }
-}
-
-void PluginPhase::FindCompany(const Suspect& suspect) {
-    Names company = suspect.before;
-    const bool hung = suspect.seen.verdict == Verdict::Hung;
-    const bool again = !hung && !company.empty() && IsBadAmong(company, suspect);
-    if (again) {
-        company = Shrink(std::move(company), suspect);
-    }
-    if (!company.empty() && WasBlamedFalsely(suspect, company)) {
-        return;
-    }
-    Item& item = Find(suspect.name);
-    if (again) {
-        SetCompany(item, company);
-    }
-    company.push_back(item.name);
-    const std::string list = "company-" + std::to_string(lists++) + ".list";
-    session.SetRepro(item, LoadJob(company, list).arguments);
-}
-
-Names PluginPhase::Shrink(Names company, const Suspect& suspect) {
-    int left = MAX_COMPANY_RUNS - 1;
-    const Clock::time_point until = Clock::now() + MAX_COMPANY_TIME;
-    return Minimize(
-        std::move(company), [&](const Names& part) { return IsBadAmong(part, suspect); },
-        [&] { return left-- > 0 && Clock::now() < until; });
-}
-
-bool PluginPhase::IsBadAmong(const Names& names, const Suspect& suspect) {
-    Names all = names;
-    all.push_back(suspect.name);
-    const auto attempts = runs.RunNow(LoadJob(all, COMPANY_LIST)).Attempts();
-    const auto attempt = attempts.find(suspect.name);
-    return attempt != attempts.end() && IsSame(attempt->second, suspect.seen);
-}
-
-void PluginPhase::SetCompany(Item& item, const Names& company) {
-    item.company = company;
-    for (const std::string& name : company) {
-        if (company.size() <= MOST_SPOILERS) {
-            Find(name).spoils.push_back(item.name);
-        }
-    }
-}
-
-/// A module can write records about others. Who is told of in a run that doesn't load it was blamed
-/// by such records: its trial counts, and whoever was bad in that run comes under suspicion.
-bool PluginPhase::WasBlamedFalsely(const Suspect& suspect, const Names& company) {
-    const Watch control = runs.RunNow(LoadJob(company, COMPANY_LIST));
-    if (!Contains(control.Strays(), suspect.name)) {
-        return false;
-    }
-    Judge(Find(suspect.name), suspect.alone, suspect.alone);
-    session.Note("Records that blamed " + suspect.name + " came from another module, out of " +
-                 JoinOrNothing(company));
-    for (const auto& [name, attempt] : control.Attempts()) {
-        if (IsBad(attempt.verdict) && IsOpen(Find(name))) {
-            AddTrial({name, attempt, {}, {}});
-        }
-    }
-    return true;
+void CheckPlugins(Session& session, const std::set<std::string>& chosen,
+                  std::vector<Item>& plugins) {
+    PluginPhase(session, chosen, plugins).Check();
 }
 
 }  // namespace Tarnex::Parent

@@ -16,9 +16,7 @@ struct Record {
 /// split between them, cut at its end, or stand among other text.
 class RecordReader {
 public:
-    using Take = std::function<void(const Record&)>;
-
-    explicit RecordReader(Take take) : take(std::move(take)) {}
+    explicit RecordReader(std::function<void(const Record&)> take) : take(std::move(take)) {}
 
     void Feed(std::string_view bytes);
 
@@ -26,15 +24,14 @@ public:
     void Finish();
 
 private:
-    bool FindOpening();
-    bool FindEnd();
-    void End(std::size_t length, std::size_t behind);
-    void EndCut(std::size_t length);
+    bool Advance();
+    void End(std::size_t length, std::size_t next, std::string_view nextTag);
+    std::size_t WholeLines(std::size_t length) const;
 
-    Take take;
-    std::string text;      // not yet decided; begins with the message of an open record
+    std::function<void(const Record&)> take;
+    std::string text;      // from the message of the open record on
     std::size_t seen = 0;  // where the search in it goes on
-    std::string_view tag;  // of the open record
+    std::string_view tag;  // of the open record; empty: what comes is no record
 };
 
 }  // namespace Tarnex::Parent

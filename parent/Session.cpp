@@ -1,8 +1,8 @@
 #include "parent/Session.h"
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <cerrno>
-#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <utility>
@@ -11,26 +11,199 @@
 #include "core/support/ModuleOptions.h"
 
 namespace Tarnex::Parent {
+namespace {
 
-bool Contains(const Names& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
+using std::chrono::milliseconds;
 
-std::string JoinOrNothing(const Names& names) {
-    std::string joined;
-    for (const std::string& name : names) {
-        joined += (joined.empty() ? "" : ",") + name;
+constexpr milliseconds PROGRESS_TIME{200};
+
+/// Without what would turn the records away from standard error.
+Names CleanEnvironment() {
+    Names kept;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string variable = *entry;
+        if (!variable.starts_with("GLOG_") && !variable.starts_with("LOCALAPPDATA=")) {
+            kept.push_back(variable);
+        }
     }
-    return joined.empty() ? Core::Utils::EMPTY_VALUE : joined;
+    return kept;
 }
+
+/// The status of an error that isn't an item's, as the protocol has it.
+bool ForbidsToGoOn(const Run& run) {
+    const auto* exit = std::get_if<ExitStatus>(&run.end);
+    const bool isStatusOfRun = exit != nullptr && !run.job.helper;
+    return isStatusOfRun &&
+           ((exit->status == 3 && run.job.watch.begun.empty()) ||
+            (exit->status >= 4 && exit->status <= 6 && run.job.watch.failedItself));
+}
+
+/// After all that it should touch.
+bool EndsBadly(const Run& run) {
+    const auto* exit = std::get_if<ExitStatus>(&run.end);
+    const bool isFine =
+        exit != nullptr && (exit->status == 0 || (exit->status >= 7 && exit->status <= 10));
+    return run.job.watch.finished && !isFine;
+}
+
+}  // namespace
 
 Session::Session(const CheckOptions& options, CheckListener& listener, CheckResult& result)
     : options(options),
       listener(listener),
       result(result),
-      application(std::filesystem::absolute(options.application)) {}
+      order(ReadPluginOrder(options.application)),
+      environment(CleanEnvironment()) {}
 
-std::string Session::GenerousTime(std::size_t items) const {
+void Session::Drain(const Next& next, const std::function<void(const Run&)>& take) {
+    try {
+        while (Fill(next), !active.empty()) {
+            Await();
+            AdvanceAll(take);
+        }
+    } catch (...) {
+        waiting.clear();
+        for (const auto& run : std::exchange(active, {})) {
+            run->Stop();
+            result.runs[run->index].seconds = run->seconds;
+        }
+        throw;
+    }
+}
+
+void Session::RunAll(const std::vector<Job>& jobs,
+                     const std::function<void(std::size_t, const Run&)>& take) {
+    std::deque<Job> queue(jobs.begin(), jobs.end());
+    for (std::size_t i = 0; i < queue.size(); ++i) {
+        queue[i].place = i;
+    }
+    std::ranges::stable_partition(queue, [](const Job& job) { return !job.alone; });
+    const auto next = [&]() -> std::optional<Job> {
+        if (queue.empty()) {
+            return std::nullopt;
+        }
+        std::optional<Job> job = std::move(queue.front());
+        queue.pop_front();
+        return job;
+    };
+    Drain(next, [&](const Run& run) { take(run.job.place, run); });
+}
+
+Watch Session::RunOne(const Job& job) {
+    Watch watch;
+    RunAll({job}, [&](std::size_t, const Run& run) { watch = run.job.watch; });
+    return watch;
+}
+
+void Session::Fill(const Next& next) {
+    while (active.size() < options.jobs && (active.empty() || !active.front()->job.alone)) {
+        if (waiting.empty()) {
+            std::optional<Job> job = next();
+            if (!job) {
+                return;
+            }
+            waiting.push_back(std::move(*job));
+        }
+        if (waiting.front().alone && !active.empty()) {
+            return;
+        }
+        Start(std::move(waiting.front()));
+        waiting.pop_front();
+    }
+}
+
+void Session::Start(Job job) {
+    RunFacts& facts = result.runs.emplace_back();
+    facts.arguments = job.arguments;
+    facts.end = KilledBy{"SIGKILL"};  // unless it comes to another end
+    if (job.helper) {
+        facts.arguments.insert(facts.arguments.begin(), HELPER);
+    }
+    active.push_back(std::make_unique<Run>(options, listener, result.runs.size() - 1, environment,
+                                           std::move(job)));
+}
+
+void Session::Await() {
+    std::vector<pollfd> descriptors{{options.stop, POLLIN, 0}};
+    Clock::time_point until = Clock::now() + PROGRESS_TIME;
+    for (const auto& run : active) {
+        run->AddDescriptors(descriptors);
+        until = std::min(until, run->deadline);
+    }
+    const auto wait = std::chrono::ceil<milliseconds>(until - Clock::now()).count();
+    poll(descriptors.data(), descriptors.size(), static_cast<int>(std::max<long>(wait, 0)));
+    if (descriptors.front().revents != 0) {
+        throw CheckFailure("stopped");
+    }
+}
+
+void Session::AdvanceAll(const std::function<void(const Run&)>& take) {
+    for (std::size_t i = 0; i < active.size();) {
+        if (!active[i]->Advance()) {
+            ++i;
+            continue;
+        }
+        const std::unique_ptr<Run> run = std::move(active[i]);
+        active.erase(active.begin() + static_cast<std::ptrdiff_t>(i));
+        result.runs[run->index].end = run->end;
+        result.runs[run->index].seconds = run->seconds;
+        if (!IsToRepeat(*run)) {
+            take(*run);
+        }
+    }
+    TellProgress();
+}
+
+/// Also takes what the end tells of more than items.
+bool Session::IsToRepeat(const Run& run) {
+    const Watch& watch = run.job.watch;
+    if (!run.survivors.empty()) {
+        Note("Still running, SIGKILL doesn't end it: " + run.survivors);
+    }
+    for (const std::string& name : watch.strays) {
+        Note("A record about " + name + " at a wrong place was ignored: a module wrote it");
+    }
+    result.badEnd = result.badEnd || EndsBadly(run);
+    if (ForbidsToGoOn(run)) {
+        throw CheckFailure("Assayer can't check: " + watch.lastError);
+    }
+    if (watch.expected.empty() || watch.finished || !watch.begun.empty()) {
+        return false;
+    }
+    if (run.job.repeated) {
+        throw PhaseFailure("Two runs ended before they named what they should touch (" +
+                           FromEnd(run.end).reason + "): " + run.lastWords);
+    }
+    Job again = run.job;
+    again.repeated = true;
+    again.watch = Watch();
+    again.watch.kind = watch.kind;
+    again.watch.expected = watch.expected;
+    waiting.push_front(std::move(again));
+    return true;
+}
+
+void Session::TellProgress() {
+    const Clock::time_point now = Clock::now();
+    if (now < lastProgress + PROGRESS_TIME / 2) {
+        return;
+    }
+    lastProgress = now;
+    Progress current = progress;
+    for (const auto& run : active) {
+        const Watch& watch = run->job.watch;
+        const auto open = std::chrono::duration_cast<milliseconds>(now - watch.openSince);
+        current.done += watch.attempts.size();
+        if (!watch.open.empty() && (current.touched.empty() || open > current.open)) {
+            current.touched = watch.open;
+            current.open = open;
+        }
+    }
+    current.done = std::min(current.done, current.total);
+    listener.OnProgress(current);
+}
+
+std::string Session::Time(std::size_t items) const {
     constexpr std::uint64_t MOST = 4294967295;
     const auto each = static_cast<std::uint64_t>(options.itemTime.count());
     return std::to_string(std::min(MOST, (items + 2) * each));
@@ -53,35 +226,41 @@ std::string Session::WriteList(const std::string& name, const Names& plugins) {
     return path;
 }
 
-void Session::RemoveUnusedLists(const std::vector<Item>& items) const {
+void Session::RemoveUnusedLists() const {
     std::error_code ignored;
     for (const std::string& path : lists) {
-        if (std::none_of(items.begin(), items.end(),
-                         [&](const Item& item) { return Contains(item.repro, path); })) {
+        if (std::ranges::none_of(result.items,
+                                 [&](const Item& item) { return Contains(item.repro, path); })) {
             std::filesystem::remove(path, ignored);
         }
     }
-    if (std::filesystem::is_empty(options.lists, ignored)) {
-        std::filesystem::remove(options.lists, ignored);
-    }
-}
-
-void Session::SetRepro(Item& item, Names arguments) const {
-    item.repro = std::move(arguments);
-    item.repro.insert(item.repro.begin(), Program());
+    std::filesystem::remove(options.lists, ignored);  // if it is empty
 }
 
 void Session::Tell(const Item& item) {
-    if (std::find(told.begin(), told.end(), &item) == told.end()) {
-        told.push_back(&item);
+    if (told.insert(&item).second) {
         listener.OnVerdict(item);
     }
 }
 
-void Session::Note(std::string text) {
+void Session::Note(const std::string& text) {
     if (!Contains(result.notes, text)) {
-        result.notes.push_back(std::move(text));
+        result.notes.push_back(text);
     }
+}
+
+std::string JoinOrNothing(const Names& names) {
+    std::string joined;
+    for (const std::string& name : names) {
+        joined += (joined.empty() ? "" : ",") + name;
+    }
+    return joined.empty() ? Core::Utils::EMPTY_VALUE : joined;
+}
+
+Names ToRepro(const CheckOptions& options, const Names& arguments) {
+    Names command{(options.application / PROGRAM).native()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
 }
 
 }  // namespace Tarnex::Parent

@@ -16,38 +16,32 @@ using namespace Core::Utils;  // NOLINT(google-build-using-namespace)
 constexpr std::string_view LISTED_TEXT = ": \nTest Error\n";
 /// The text of a decoder test without input.
 constexpr std::string_view NO_INPUT_TEXT = " stream not found";
-
-/// A short run ends by itself before that is noticed, with a status like any other.
 constexpr char CLOSED_ERROR[] = "standard error closed";
 
-bool Contains(const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-/// The first line of what an exception said, else of the whole.
-std::string FirstLine(const std::string& text) {
+/// The first line of what the innermost exception said, else of the whole.
+std::string FirstLine(std::string text) {
     constexpr std::string_view MARK = "what:";
-    const std::size_t mark = text.find(MARK);
-    std::string line = mark == std::string::npos ? text : text.substr(mark + MARK.size());
-    line.erase(0, line.find_first_not_of(" \t\r\n"));
-    line = line.substr(0, line.find('\n'));
-    return TrimAll(line);
+    const std::size_t mark = text.rfind(MARK);
+    text.erase(0, mark == text.npos ? 0 : mark + MARK.size());
+    TrimAll(text);
+    text = text.substr(0, text.find('\n'));
+    return TrimAll(text);
 }
-
-struct EndToAttempt {
-    Attempt operator()(const ExitStatus& end) const {
-        return {Verdict::Ended, std::to_string(end.status), {}, 0};
-    }
-    Attempt operator()(const KilledBy& end) const { return {Verdict::Crashed, end.signal, {}, 0}; }
-    Attempt operator()(const OverDeadline& end) const {
-        return {Verdict::Hung, std::to_string(std::llround(end.seconds)), {}, 0};
-    }
-};
 
 }  // namespace
 
+bool Contains(const Names& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 Attempt FromEnd(const RunEnd& end) {
-    return std::visit(EndToAttempt{}, end);
+    if (const auto* killed = std::get_if<KilledBy>(&end)) {
+        return {Verdict::Crashed, killed->signal, {}, 0};
+    }
+    if (const auto* late = std::get_if<OverDeadline>(&end)) {
+        return {Verdict::Hung, std::to_string(std::llround(late->seconds)), {}, 0};
+    }
+    return {Verdict::Ended, std::to_string(std::get<ExitStatus>(end).status), {}, 0};
 }
 
 Attempt ClosedError() {
@@ -64,6 +58,10 @@ bool IsSame(const Attempt& left, const Attempt& right) {
             left.reason == CLOSED_ERROR || right.reason == CLOSED_ERROR);
 }
 
+bool NeedsQuiet(const Attempt& attempt) {
+    return attempt.verdict == Verdict::Hung || attempt.reason == "SIGKILL";
+}
+
 void Judge(Item& item, const Attempt& seen, const Attempt& alone) {
     const bool steady = IsSame(seen, alone);
     const Attempt& told = steady ? alone : seen;
@@ -75,92 +73,76 @@ void Judge(Item& item, const Attempt& seen, const Attempt& alone) {
 
 bool Watch::Take(const Record& record, Clock::time_point now) {
     const bool isPlugin = kind == ItemKind::Plugin;
-    endsWithError = false;
+    const std::string_view before = std::exchange(lastTag, record.tag);
+    failedItself = record.tag == ERROR_TAG && (before.empty() || before == LOADED_PLUGINS_TAG ||
+                                               before == TESTED_CODECS_TAG || before == CODECS_TAG);
     if (record.tag == (isPlugin ? LOAD_PLUGIN_NAME_TAG : TEST_CODEC_TAG)) {
         return Begin(record.message, now);
     }
     if (record.tag == (isPlugin ? PLUGINS_TAG : CODECS_TAG)) {
-        return Find(record.message);
-    }
-    if (record.tag == ERROR_TAG) {
-        TakeText(record.message);
-        return false;
+        return Report(record.message);
     }
     if (record.tag == (isPlugin ? LOADED_PLUGINS_TAG : TESTED_CODECS_TAG)) {
         return Finish(now);
     }
+    if (record.tag == ERROR_TAG) {
+        TakeText(record.message);
+    }
     return record.tag == STATISTICS_TAG && finished;
 }
 
-void Watch::End(Attempt attempt, Clock::time_point now) {
-    if (!open.empty()) {
-        culprit = open;
-        Add(std::move(attempt), now);
-    }
+void Watch::End(const Attempt& attempt, Clock::time_point now) {
+    culprit = open;
+    CloseOpen(attempt, now);
 }
 
-std::vector<std::string> Watch::Untouched() const {
-    std::vector<std::string> names;
-    std::copy_if(expected.begin(), expected.end(), std::back_inserter(names),
-                 [&](const std::string& name) { return !attempts.contains(name); });
+Names Watch::Untouched() const {
+    Names names = expected;
+    std::erase_if(names, [&](const std::string& name) { return attempts.contains(name); });
     return names;
 }
 
+/// The plugin order is fixed, so that nobody can tell of any plugin but the next one. The order of
+/// the tests is the core's, which may ask the machine.
 bool Watch::Begin(const std::string& name, Clock::time_point now) {
-    if (finished || !IsExpected(name)) {
+    const bool isNext = kind == ItemKind::Plugin
+                            ? begun.size() < expected.size() && expected[begun.size()] == name
+                            : Contains(expected, name) && !Contains(begun, name);
+    if (finished || !isNext) {
         strays.push_back(name);
         return false;
     }
-    CloseOpen(now);
+    CloseOpen(OutcomeOfOpen(), now);
     begun.push_back(name);
     open = name;
     openSince = now;
     return true;
 }
 
-/// The plugin order is fixed, so that nobody can tell of another plugin but the next one. The order
-/// of the tests is the core's, which may ask the machine.
-bool Watch::IsExpected(const std::string& name) const {
+/// Of a plugin it is told before its text, of a codec after it.
+bool Watch::Report(const std::string& name) {
     if (kind == ItemKind::Plugin) {
-        return begun.size() < expected.size() && expected[begun.size()] == name;
-    }
-    return Contains(expected, name) && !Contains(begun, name);
-}
-
-bool Watch::Find(const std::string& name) {
-    found = kind == ItemKind::Plugin ? name : std::string();
-    if (kind == ItemKind::Codec && name == open && !open.empty()) {
-        return std::exchange(failed, true) == false;
-    }
-    if (kind == ItemKind::Codec) {
+        reported = name;
+    } else if (open.empty() || name != open) {
         strays.push_back(name);
+    } else {
+        return !std::exchange(failed, true);
     }
     return false;
 }
 
 void Watch::TakeText(const std::string& message) {
-    const bool isListed = kind == ItemKind::Plugin && message.ends_with(LISTED_TEXT);
-    endsWithError = !isListed;
-    if (isListed) {
-        found.clear();
+    const std::string name = std::exchange(reported, {});
+    if (kind == ItemKind::Plugin && message.ends_with(LISTED_TEXT)) {
         return;
     }
     lastError = message;
-    if (kind == ItemKind::Plugin) {
-        TakePluginText(message);
+    if (!name.empty() && name != open) {
+        strays.push_back(name);
     } else if (!failed) {
+        failed = !name.empty();
         text = message;
     }
-}
-
-void Watch::TakePluginText(const std::string& message) {
-    if (!found.empty() && found != open) {
-        strays.push_back(found);
-    } else if (!failed) {
-        failed = !found.empty();
-        text = message;
-    }
-    found.clear();
 }
 
 /// A plugin phase is over when all were touched, whoever says so earlier.
@@ -168,42 +150,38 @@ bool Watch::Finish(Clock::time_point now) {
     if (finished || (kind == ItemKind::Plugin && begun.size() < expected.size())) {
         return false;
     }
-    CloseOpen(now);
+    CloseOpen(OutcomeOfOpen(), now);
     finished = true;
     return true;
 }
 
-void Watch::CloseOpen(Clock::time_point now) {
-    if (!open.empty()) {
-        Add(OutcomeOfOpen(), now);
+/// A plugin that fails at one of its places isn't good at the other.
+void Watch::CloseOpen(Attempt attempt, Clock::time_point now) {
+    const auto known = attempts.find(open);
+    attempt.seconds = ToFPSeconds(std::max(now, openSince) - openSince);
+    if (!open.empty() &&
+        (known == attempts.end() || !IsBad(known->second.verdict) || EndsRuns(attempt.verdict))) {
+        attempts.insert_or_assign(open, std::move(attempt));
     }
+    open.clear();
     text.clear();
-    found.clear();
+    reported.clear();
     failed = false;
 }
 
 Attempt Watch::OutcomeOfOpen() const {
-    if (kind == ItemKind::Codec && failed && text.ends_with(NO_INPUT_TEXT) &&
+    const bool isBad = failed || (!open.empty() && reported == open);
+    if (isBad && kind == ItemKind::Codec && text.ends_with(NO_INPUT_TEXT) &&
         open.starts_with("Decoder.")) {
         return {Verdict::NoMaterial, FirstLine(text), text, 0};
     }
-    if (failed || found == open) {
+    if (isBad) {
         return MakeFailure(text);
     }
     if (kind == ItemKind::Plugin && !text.empty()) {
         return {Verdict::Tolerated, FirstLine(text), text, 0};
     }
     return {};
-}
-
-/// A plugin that fails at one of its places isn't good at the other.
-void Watch::Add(Attempt attempt, Clock::time_point now) {
-    attempt.seconds = ToFPSeconds(std::max(now, openSince) - openSince);
-    const auto known = attempts.find(open);
-    if (known == attempts.end() || !IsBad(known->second.verdict) || EndsRuns(attempt.verdict)) {
-        attempts.insert_or_assign(open, std::move(attempt));
-    }
-    open.clear();
 }
 
 }  // namespace Tarnex::Parent
