@@ -13,7 +13,7 @@ import pytest
 from conftest import APP, not_sanitized
 
 IMPL = "FFMPEG_IMPL"
-CODECS = ["GOOD_1", "DECODER_SEGFAULT", "ENCODER_READ_THROWS"]
+CODECS = ["GOOD_1", "DECODER_SEGFAULT", "ENCODER_THROWS_TARNEX"]
 KEYS = {"kind", "name", "factory", "coder", "implementation", "codec", "input", "file", "verdict", "reason",
         "text", "seconds", "phase", "carried", "company", "spoils", "repro"}  # fmt: skip
 TOP_KEYS = {"schema", "complete", "problem", "notes", "started", "seconds", "program", "machine", "installation",
@@ -82,8 +82,8 @@ def test_a_check_its_report_and_its_events(assay, app, home):
         f"Decoder.{IMPL}.CODEC_ID_GOOD_1": "good", f"Encoder.{IMPL}.CODEC_ID_GOOD_1": "good",
         f"Decoder.{IMPL}.CODEC_ID_DECODER_SEGFAULT": "crashed",
         f"Encoder.{IMPL}.CODEC_ID_DECODER_SEGFAULT": "good",
-        f"Encoder.{IMPL}.CODEC_ID_ENCODER_READ_THROWS": "failed",
-        f"Decoder.{IMPL}.CODEC_ID_ENCODER_READ_THROWS": "failed",
+        f"Encoder.{IMPL}.CODEC_ID_ENCODER_THROWS_TARNEX": "failed",
+        f"Decoder.{IMPL}.CODEC_ID_ENCODER_THROWS_TARNEX": "failed",
     }  # fmt: skip
     counts = {}
     for item in report["items"]:
