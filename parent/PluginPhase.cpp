@@ -29,6 +29,17 @@ public:
         : session(session), chosen(chosen), plugins(plugins) {}
 
     void Check() {
+        try {
+            CheckAll();
+        } catch (const Exception&) {
+            DecidePassed();
+            throw;
+        }
+        DecidePassed();
+    }
+
+private:
+    void CheckAll() {
         session.progress = {"plugins", 0, Loadable().size(), {}, {}};
         while (session.progress.total > 0 && Loop()) {
         }
@@ -40,6 +51,9 @@ public:
                 FindCompany(suspect);
             }
         }
+    }
+
+    void DecidePassed() {
         for (const auto& [name, attempt] : passed) {
             if (IsOpen(Find(name))) {
                 Judge(Find(name), attempt, attempt);
@@ -47,7 +61,6 @@ public:
         }
     }
 
-private:
     Item& Find(const std::string& name) { return *std::ranges::find(plugins, name, &Item::name); }
 
     bool IsOpen(const Item& item) const {
@@ -88,24 +101,35 @@ private:
 
     /// One run over what is left; false once all was loaded.
     bool Loop() {
-        const Watch watch = session.RunOne(LoadJob(Loadable(), "known.list", after));
+        Watch watch;
+        session.RunAll({LoadJob(Loadable(), "known.list", after)},
+                       [&](std::size_t, const Run& run) {
+                           watch = run.job.watch;
+                           TakePassed(watch);
+                       });
         if (!watch.finished && MarkVanished(watch)) {
             return true;
         }
-        TakeAttempts(watch);
+        TakeBad(watch);
         session.progress.done = passed.size() + suspects.size();
         after = watch.culprit;
         culprits.insert(after);
         return !watch.finished && !after.empty();
     }
 
-    void TakeAttempts(const Watch& watch) {
+    void TakePassed(const Watch& watch) {
+        for (const auto& [name, attempt] : watch.attempts) {
+            if (!IsBad(attempt.verdict)) {
+                passed[name] = attempt;
+            }
+        }
+    }
+
+    void TakeBad(const Watch& watch) {
         for (const auto& [name, attempt] : watch.attempts) {
             if (IsBad(attempt.verdict)) {
                 const auto place = std::ranges::find(watch.begun, name);
                 suspects.push_back({Find(name), attempt, {watch.begun.begin(), place}});
-            } else {
-                passed[name] = attempt;
             }
         }
     }
@@ -130,9 +154,10 @@ private:
             jobs.back().alone = NeedsQuiet(suspect.seen);
         }
         session.RunAll(jobs, [&](std::size_t place, const Run& run) {
-            Suspect& suspect = tried[place];
-            suspect.alone = run.job.watch.attempts.at(suspect.item.name);
-            Decide(suspect, run.job.arguments);
+            for (const auto& [name, attempt] : run.job.watch.attempts) {
+                tried[place].alone = attempt;
+                Decide(tried[place], run.job.arguments);
+            }
         });
     }
 

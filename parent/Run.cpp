@@ -79,6 +79,7 @@ bool Run::Advance() {
 }
 
 void Run::Stop() {
+    stopped = true;
     process.End();
     pollfd event{process.ReportDescriptor(), POLLIN, 0};
     while (poll(&event, 1, -1) < 0) {
@@ -110,7 +111,9 @@ void Run::Finish(const Platform::ProcessReport& report) {
     survivors = report.survivors;
     end = ToEnd(report);
     seconds = ToFPSeconds(report.time - started);
-    job.watch.End(late || !report.ended ? FromEnd(end) : ClosedError(), report.time);
+    if (!stopped) {
+        job.watch.End(late || !report.ended ? FromEnd(end) : ClosedError(), report.time);
+    }
 }
 
 RunEnd Run::ToEnd(const Platform::ProcessReport& report) const {

@@ -36,7 +36,7 @@ public:
     /// have ended. Throws `CheckFailure` if there was no start.
     bool Advance();
 
-    /// Ends it at once.
+    /// Ends it at once: what is open has no outcome.
     void Stop();
 
     Job job;
@@ -60,6 +60,7 @@ private:
     const Clock::time_point started = Clock::now();
     RecordReader reader;
     bool late = false;
+    bool stopped = false;
     Platform::Process process;
     int errorPipe;   // -1 from its end on
     int outputPipe;  // the same

@@ -65,7 +65,8 @@ void Session::Drain(const Next& next, const std::function<void(const Run&)>& tak
         waiting.clear();
         for (const auto& run : std::exchange(active, {})) {
             run->Stop();
-            result.runs[run->index].seconds = run->seconds;
+            AddFacts(*run);
+            take(*run);
         }
         throw;
     }
@@ -77,7 +78,7 @@ void Session::RunAll(const std::vector<Job>& jobs,
     for (std::size_t i = 0; i < queue.size(); ++i) {
         queue[i].place = i;
     }
-    std::ranges::stable_partition(queue, [](const Job& job) { return !job.alone; });
+    std::stable_partition(queue.begin(), queue.end(), [](const Job& job) { return !job.alone; });
     const auto next = [&]() -> std::optional<Job> {
         if (queue.empty()) {
             return std::nullopt;
@@ -115,7 +116,6 @@ void Session::Fill(const Next& next) {
 void Session::Start(Job job) {
     RunFacts& facts = result.runs.emplace_back();
     facts.arguments = job.arguments;
-    facts.end = KilledBy{"SIGKILL"};  // unless it comes to another end
     if (job.helper) {
         facts.arguments.insert(facts.arguments.begin(), HELPER);
     }
@@ -145,13 +145,17 @@ void Session::AdvanceAll(const std::function<void(const Run&)>& take) {
         }
         const std::unique_ptr<Run> run = std::move(active[i]);
         active.erase(active.begin() + static_cast<std::ptrdiff_t>(i));
-        result.runs[run->index].end = run->end;
-        result.runs[run->index].seconds = run->seconds;
+        AddFacts(*run);
         if (!IsToRepeat(*run)) {
             take(*run);
         }
     }
     TellProgress();
+}
+
+void Session::AddFacts(const Run& run) {
+    result.runs[run.index].end = run.end;
+    result.runs[run.index].seconds = run.seconds;
 }
 
 /// Also takes what the end tells of more than items.

@@ -28,7 +28,8 @@ public:
 
     /// Runs what `next` gives until it gives nothing and no run is left. One that ended before it
     /// named an item is repeated once, then it is a `PhaseFailure`. Throws `CheckFailure` once the
-    /// stop descriptor is readable or a run's end forbids to go on; no run is left after a throw.
+    /// stop descriptor is readable or a run's end forbids to go on; no run is left after a throw,
+    /// and `take` has got what they had seen.
     void Drain(const Next& next, const std::function<void(const Run&)>& take);
     /// All of these; those that have to be alone come last. `take` gets their places.
     void RunAll(const std::vector<Job>& jobs,
@@ -60,6 +61,7 @@ private:
     void Start(Job job);
     void Await();
     void AdvanceAll(const std::function<void(const Run&)>& take);
+    void AddFacts(const Run& run);
     bool IsToRepeat(const Run& run);
     void TellProgress();
 
