@@ -31,7 +31,7 @@ private:
     ResultsByImplementation results TARNEX_GUARDED_BY(mutex);
 };
 
-/// The test of one codec with its records and its result.
+/// Tests one codec, logs its records, and adds the outcome to the round's results.
 struct CodecChecker::CheckTask {
     CodecConfig config;
     Results& results;
@@ -75,7 +75,7 @@ void CodecChecker::SetLastFailedCodecsTest(const std::string& ids) {
 CodecLists CodecChecker::Check() {
     errorInfo.clear();
     CodecLists broken;
-    for (const CoderType type : ChoosePasses()) {
+    for (const CoderType type : ChooseRounds()) {
         const CodecLists found = CollectBrokenCodecs(type, CheckRunner(type));
         broken.insert(found.begin(), found.end());
     }
@@ -89,7 +89,7 @@ CodecLists CodecChecker::GetAllCodecsByOption() const {
     return all;
 }
 
-std::vector<CoderType> CodecChecker::ChoosePasses() const {
+std::vector<CoderType> CodecChecker::ChooseRounds() const {
     const bool onlyEncodersFailed =
         !lastFailedCodecsTest.empty() &&
         std::all_of(
@@ -147,6 +147,7 @@ bool CodecChecker::IsKnownBroken(const CodecConfig& config) const {
 CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) {
     Results results;
     const auto reportKnownBroken = [&](const CodecConfig& config) {
+        // Contract: parents match this text; keep it verbatim.
         const std::string message = config.GetID() + ": \nTest Error\n";
         LogTagged(ERROR_TAG, message);
         LogTagged(CODECS_TAG, config.GetID());
@@ -169,7 +170,7 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
             }
         }
     } catch (...) {
-        threadPool.Stop();  // No task may outlive what it refers to.
+        threadPool.Stop();  // The tasks refer to local variables.
         throw;
     }
     if (useMultithreading) {

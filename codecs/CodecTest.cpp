@@ -34,7 +34,7 @@ Pointer<Proc::ICodecFactory> GetCodecFactory() {
     return CoreManager::Instance().GetCodecFactory();
 }
 
-/// The first entry whose whole path contains the codec id; empty if there is none.
+/// The first entry whose whole path contains the codec id. Empty if there is none.
 ioPath FindSampleFile(const ioPath& directory, const std::string& codecId) {
     try {
         for (const auto& entry : directory.iterator()) {
@@ -44,7 +44,7 @@ ioPath FindSampleFile(const ioPath& directory, const std::string& codecId) {
             }
         }
     } catch (const boost::filesystem::filesystem_error&) {
-        return {};  // No directory, no samples: the synthetic stream serves.
+        return {};  // Without the directory there are no samples: use the synthetic stream.
     }
     return {};
 }
@@ -94,8 +94,8 @@ Pointer<IFormatCodecAudio> CreateAudioFormat(const std::string& codecId) {
     return format;
 }
 
-/// Whether FFmpeg encodes the input of this codec's decoder test; the others leave the choice to
-/// the factory, because a build of FFmpeg may lack them.
+/// Whether FFmpeg encodes the input of this codec's decoder test. A build of it may
+/// lack the other encoders, so for those the factory chooses the implementation.
 bool UsesFfmpegEncoder(const std::string& codecId) {
     return codecId != IFormatCodecVideo::CODEC_ID_H265 &&
            codecId != IFormatCodecAudio::CODEC_ID_AC3;
@@ -137,6 +137,7 @@ Pointer<ICodedStream> CreateEncoder(const CodecConfig& config, const Pointer<ISt
     if (IsAudioCodec(config.GetCodecId())) {
         return CreateAudioEncoder(config, source, useTestedImplementation);
     }
+    // Contract: parents match this text; keep it verbatim.
     LogTagged(WARNING_TAG, "Unsupported media type ");
     return {};
 }
@@ -149,11 +150,13 @@ Pointer<IStream> CreateDecoder(const CodecConfig& config, const Pointer<ICodedSt
     if (IsAudioCodec(config.GetCodecId())) {
         return factory->CreateAudioDecoder(input, config.GetImplementation());
     }
+    // Contract: parents match this text; keep it verbatim.
     LogTagged(WARNING_TAG, "Unsupported media type ");
     return {};
 }
 
-/// A stream of a sample file if there is one for the codec, else an encoder of a synthetic stream.
+/// A stream from the codec's sample file. Without such a file, an encoder of a synthetic stream.
+/// Contract: parents match both log lines; keep them verbatim.
 Pointer<ICodedStream> GetDecoderInput(const CodecConfig& config) {
     const ioPath samples =
         AppLocations::GetLocations().GetApplicationDirectory() / "resources" / "codecSamples";
@@ -172,6 +175,7 @@ void ReadOnce(IStream& coder) {
     coder.ReadNext();
 }
 
+// Contract: parents match both texts; keep them verbatim.
 std::string TestDecoder(const CodecConfig& config) {
     const Pointer<ICodedStream> input = GetDecoderInput(config);
     if (!input) {
@@ -185,6 +189,7 @@ std::string TestDecoder(const CodecConfig& config) {
     return {};
 }
 
+// Contract: parents match this text, "Can" included; keep it verbatim.
 std::string TestEncoder(const CodecConfig& config) {
     const Pointer<ICodedStream> encoder = CreateEncoder(config, CreateFakeStream(config), true);
     if (!encoder) {

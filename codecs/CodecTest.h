@@ -6,9 +6,9 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Creates the coder, seeks once and reads once. The result is the failure text, empty if the coder
-/// works; nothing is thrown. The input of a decoder comes from a sample file or from an encoder of
-/// a synthetic stream, as a line of INFO severity tells. Thread-safe.
+/// Creates the coder, seeks once and reads once. Returns the failure text, which is empty if the
+/// coder works. Throws nothing. A decoder reads a sample file or, without one, the output of an
+/// encoder of a synthetic stream; a line of INFO severity says which. Thread-safe.
 [[nodiscard]] std::string TestCodec(const CodecConfig& config);
 
 }  // namespace Tarnex::Core::Utils

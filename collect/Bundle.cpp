@@ -46,14 +46,14 @@ const std::uint8_t* Bytes(const std::string& text) {
     return reinterpret_cast<const std::uint8_t*>(text.c_str());
 }
 
-/// What a manifest says of one thing, be it a plugin, a user interface or a preset.
+/// What a manifest says of one subject: a plugin, a user interface or a preset.
 struct Subject {
     std::set<std::string> binaries;  ///< as URIs
     bool isUserInterface = false;
 };
 
-// The library stops at a NUL byte, and reads what is nested by recursion. Brackets in texts and
-// comments count too: the bound is far above what manifests have.
+// The library stops at a NUL byte and parses nested text recursively. The limit counts brackets in
+// strings and comments too, but is far above what manifests contain.
 void RequireReadable(const std::string& text) {
     constexpr int MAX_DEPTH = 1000;
     int depth = 0;
@@ -123,14 +123,14 @@ private:
         return SERD_SUCCESS;
     }
 
-    /// Keeps the first: others follow from it.
+    /// Keeps only the first problem: it is the cause of those that follow.
     void Remember(const std::string& problem) {
         if (error.empty()) {
             error = problem.substr(0, problem.find('\n'));
         }
     }
 
-    /// The whole URI; a node of another kind stays as it is.
+    /// The whole URI. Returns any other kind of node unchanged.
     std::string Expand(const SerdNode* node) {
         const Node expanded(serd_env_expand_node(env.get(), node));
         if (expanded.Get()->buf != nullptr) {
@@ -149,7 +149,7 @@ private:
     std::string error;
 };
 
-// What is no file's URI stays text, which is no path in any bundle.
+// Returns a URI that isn't a file's unchanged. As a path, it lies in no bundle.
 fs::path ToPath(const std::string& uri) {
     const std::unique_ptr<std::uint8_t, decltype(&serd_free)> parsed(
         serd_file_uri_parse(Bytes(uri), nullptr), &serd_free);
@@ -168,7 +168,7 @@ std::set<fs::path> ReadBundle(const fs::path& bundle) {
     const fs::path path = bundle / MANIFEST.data();
     boost::system::error_code error;
     if (!fs::is_regular_file(path, error)) {
-        throw Exception("a bundle without the file manifest.ttl");
+        throw Exception("the bundle has no manifest.ttl");
     }
     fs::ifstream file(path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};

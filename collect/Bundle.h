@@ -6,16 +6,16 @@
 
 namespace Tarnex::Collect {
 
-/// Whether hosts take the folder for an LV2 bundle: by its name, or by the manifest in it.
+/// Whether hosts treat the folder as an LV2 bundle, because of its name or a manifest in it.
 bool IsBundle(const boost::filesystem::path& folder);
 
-/// The files that the bundle's manifest names as binaries of plugins, absolute, whether they are
-/// there or not. Other shared objects of a bundle, above all user interfaces, are no modules of
-/// their own. Throws `Tarnex::Exception` with the reason, without the path, if the manifest can't
-/// be read or isn't Turtle.
+/// The files that the bundle's manifest names as binaries of plugins; absolute paths, which may not
+/// exist. A bundle's other shared objects aren't modules; most are user interfaces. Throws
+/// `Tarnex::Exception` with the reason, without the path, if the manifest can't be read or isn't
+/// Turtle.
 std::set<boost::filesystem::path> ReadBundle(const boost::filesystem::path& bundle);
 
-/// The same from the manifest's text.
+/// Does the same with the text of a manifest.
 std::set<boost::filesystem::path> ReadManifest(const std::string& text,
                                                const boost::filesystem::path& bundle);
 

@@ -26,7 +26,7 @@ bool IsBelow(const fs::path& path, const fs::path& folder) {
     return !relative.empty() && *relative.begin() != ".." && relative != ".";
 }
 
-// Most binaries have a file name that says little, such as "plugin.so".
+// Uses the bundle's name, because most binaries have names that say little, such as "plugin.so".
 std::string NameInBundle(const fs::path& bundle, const fs::path& binary, bool isOnlyOne) {
     const fs::path name = bundle.extension() == ".lv2" ? bundle.stem() : bundle.filename();
     return name.string() + (isOnlyOne ? "" : "." + binary.stem().string());
@@ -82,7 +82,8 @@ private:
                     Look(binary, &BUNDLED, NameInBundle(bundle, binary, binaries.size() == 1));
                 } else {
                     findings.leftOut.push_back(
-                        {bundle, "its manifest names what lies elsewhere: " + binary.string()});
+                        {bundle,
+                         "its manifest names a file outside the bundle: " + binary.string()});
                 }
             }
         } catch (const Exception& error) {

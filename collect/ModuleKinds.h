@@ -9,13 +9,13 @@
 
 namespace Tarnex::Collect {
 
-/// A kind of modules that other programs bring along.
+/// A kind of module that other programs install.
 struct ModuleKind {
-    std::string_view factory;                     ///< who loads them; the key in plugins.list
-    std::array<std::string_view, 2> entryPoints;  ///< hosts know them by one of these; may be empty
-    std::string_view variable;                    ///< where set, its folders replace the usual ones
-    std::string_view libFolder;                   ///< usual folder below each folder of libraries
-    std::array<std::string_view, 2> homeFolders;  ///< usual folders below $HOME; may be empty
+    std::string_view factory;                     ///< loads them; their key in plugins.list
+    std::array<std::string_view, 2> entryPoints;  ///< a module exports one of these; may be empty
+    std::string_view variable;                    ///< if set, its folders replace the usual ones
+    std::string_view libFolder;                   ///< usual folder in each folder of libraries
+    std::array<std::string_view, 2> homeFolders;  ///< usual folders in $HOME; may be empty
 };
 
 inline constexpr std::array<ModuleKind, 4> MODULE_KINDS{{
@@ -25,17 +25,17 @@ inline constexpr std::array<ModuleKind, 4> MODULE_KINDS{{
     {Core::ANALYZER_FACTORY, {"vampGetPluginDescriptor"}, "VAMP_PATH", "vamp", {"vamp", ".vamp"}},
 }};
 
-/// The kind of the binaries that bundles name.
+/// The kind of the binaries in bundles.
 inline constexpr const ModuleKind& BUNDLED = MODULE_KINDS[2];
 
-/// A folder to search. `kind` is what its modules are meant for, null where they may be of any.
+/// A folder to search. `kind` is what its modules should be; null if they may be of any kind.
 struct SearchFolder {
     boost::filesystem::path path;
     const ModuleKind* kind = nullptr;
 };
 
-/// For each kind the folders of its variable, or where that isn't set or empty, those usual ones
-/// that exist. Reads the environment.
+/// The folders to search for each kind: those in its variable, or, if the variable is unset or
+/// empty, the usual folders that exist. Reads the environment.
 std::vector<SearchFolder> GetUsualFolders();
 
 }  // namespace Tarnex::Collect

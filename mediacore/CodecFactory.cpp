@@ -18,7 +18,7 @@ using Core::StartedModules;
 using Core::Utils::Contains;
 using Module::ICodecModule;
 
-/// Whose list failed would be told by nothing else: the module was checked long before.
+/// Adds the implementation's name: no record identifies the module at this point.
 Codecs Ask(ICodecModule& module, CoderType type) {
     try {
         return module.GetCodecs(type);
@@ -28,7 +28,7 @@ Codecs Ask(ICodecModule& module, CoderType type) {
     }
 }
 
-/// Chooses the module; the module makes the coder.
+/// Finds the module for a codec. The module creates the coder.
 class CodecFactory : public RefCounted<ICodecFactory> {
 public:
     explicit CodecFactory(std::shared_ptr<const StartedModules> modules)
@@ -89,8 +89,8 @@ private:
         return Find(CoderType::Encoder, property.Get(Conf::IPreset::ITEM_CODEC_ID), implementation);
     }
 
-    /// The first module of the implementation that offers the codec. Asked one by one: a module may
-    /// have to start a framework to answer.
+    /// The first module of the implementation that offers the codec. Asks no further modules,
+    /// because one may have to start a framework to answer.
     ICodecModule* Find(CoderType type, const std::string& codecId,
                        const std::string& implementation) const {
         for (ICodecModule* module : modules->codecs) {
@@ -102,8 +102,8 @@ private:
         return nullptr;
     }
 
-    /// From the first module that succeeds: one may offer a codec and lack the device for it. If
-    /// none does, the first one's reason is thrown.
+    /// Tries the modules in turn, because one may offer a codec but lack the device for it. If all
+    /// fail, throws the failure of the first.
     template <class Stream>
     Pointer<ICodedStream> CreateDefault(const Pointer<Stream>& stream, const Property& property,
                                         Pointer<ICodedStream> (ICodecModule::*create)(

@@ -28,7 +28,7 @@ public:
                     bool /*startModules*/) override {
         const Lock lock(mutex);
         if (start.valid()) {
-            throw Exception("The media core is started already");
+            throw Exception("The media core is already started");
         }
         start = std::async(std::launch::async, [=, this, disabled = GetDisabledPlugins(options)] {
             SetModules(std::make_shared<const StartedModules>(StartModules(disabled)));
@@ -41,7 +41,7 @@ public:
     void WaitUntilInitialized() override {
         const std::shared_future<void> starting = GetStart();
         if (!starting.valid()) {
-            throw Exception("The media core isn't being started");
+            throw Exception("The media core hasn't been started");
         }
         starting.get();
     }
@@ -53,7 +53,7 @@ public:
     Proc::Pointer<Proc::ICodecFactory> GetCodecFactory() override {
         const auto started = GetModules();
         if (!started) {
-            throw Exception("The media core isn't up, so there is no codec factory");
+            throw Exception("The media core isn't started, so there is no codec factory");
         }
         return CreateCodecFactory(started);
     }
@@ -95,7 +95,7 @@ private:
     std::shared_ptr<const StartedModules> modules TARNEX_GUARDED_BY(mutex);
 };
 
-/// Never destroyed: the watch-dog may end the process while other threads are in the core.
+/// Never freed: the watch-dog may end the process while other threads are in the core.
 ModuleCoreManager& GetManager() {
     static ModuleCoreManager& manager = *new ModuleCoreManager();
     return manager;

@@ -5,7 +5,7 @@
 namespace Tarnex::Proc {
 namespace {
 
-/// What the formats of both kinds hold.
+/// The common part of video and audio formats.
 template <class Interface>
 class FormatCodec : public RefCounted<Interface> {
 public:

@@ -13,7 +13,7 @@ namespace {
 /// Wide enough for the vector instructions of any scaler or coder.
 constexpr int ALIGNMENT = 64;
 
-/// What a plane's values lie between.
+/// The limits of a plane's values.
 struct Range {
     int low;
     int high;
@@ -21,18 +21,18 @@ struct Range {
 constexpr Range LUMA{16, 235};
 constexpr Range CHROMA{80, 176};
 
-/// The side of the squares in the middle of the picture. Larger than the blocks of most coders and
-/// no multiple of them, so that edges fall inside blocks too.
+/// The side of the squares in the middle of the picture. Larger than most coders' blocks and not a
+/// multiple of them, so that edges fall inside blocks too.
 constexpr int SQUARE = 60;
 
-/// Above what any coder takes, and far below where sizes in bytes overflow an int.
+/// More than any coder takes, and far below the point where sizes in bytes overflow an int.
 constexpr int MAX_SIDE = 16384;
 
-/// The noise of a row begins at one of so many places.
+/// The number of places in the noise where a row can begin.
 constexpr int NOISE_STARTS = 4096;
-constexpr int NOISE_STEP = 1009;  // far apart for neighbouring rows
+constexpr int NOISE_STEP = 1009;  // puts neighbouring rows far apart
 
-/// Rows are multiples of it, so that memory of blocks holds whole planes.
+/// The unit of memory. Rows are a multiple of it, so that each plane begins on a block.
 struct alignas(ALIGNMENT) Block {
     std::uint8_t bytes[ALIGNMENT];
 };
@@ -41,7 +41,7 @@ constexpr int Align(int size) {
     return (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
 }
 
-/// From low at the left to high at the right.
+/// Low at the left, high at the right.
 void DrawRamp(const Plane& plane, Range range) {
     for (int x = 0; x < plane.stride; ++x) {
         plane.data[x] =
@@ -52,9 +52,10 @@ void DrawRamp(const Plane& plane, Range range) {
     }
 }
 
-/// Values from 0 to 7. Rows share them: numbers of their own would cost more than some coders do.
+/// Values from 0 to 7. Rows share them: separate noise for each row would cost more than some
+/// coders.
 std::vector<std::uint8_t> MakeNoise(int size) {
-    std::minstd_rand random;  // the standard defines its numbers, so all machines draw the same
+    std::minstd_rand random;  // defined by the standard, so all machines get the same numbers
     std::vector<std::uint8_t> noise(static_cast<std::size_t>(size));
     std::generate(noise.begin(), noise.end(),
                   [&] { return static_cast<std::uint8_t>(random() / 16 % 8); });
@@ -68,8 +69,8 @@ void DrawLine(std::uint8_t* line, const std::uint8_t* noise, Range range, bool i
     }
 }
 
-/// Inverts every second square in the middle, and adds noise there. It stays out of the rest: a
-/// picture full of it costs coders without losses a multiple.
+/// Inverts every second square in the middle and adds noise there. The rest stays free of noise,
+/// which would make lossless coders several times slower.
 void DrawSquares(const Plane& plane, Range range) {
     const std::vector<std::uint8_t> noise = MakeNoise(plane.stride + NOISE_STARTS);
     for (int row = plane.height / 4; row < plane.height - plane.height / 4; ++row) {
@@ -108,7 +109,7 @@ public:
 
 private:
     void AllocatePlanes(std::vector<Plane> layout) {
-        std::size_t size = ALIGNMENT;  // scalers read a little beyond the last row
+        std::size_t size = ALIGNMENT;  // scalers read slightly past the last row
         for (const Plane& plane : layout) {
             size += PlaneSize(plane);
         }
@@ -137,12 +138,12 @@ public:
     Pointer<IFrameVideo> CreateFrame(const ColorSpace& space, PixFmt format,
                                      const FrameInfo& info) override {
         if (format != PixFmt::Nv12 && format != PixFmt::Yuv420p) {
-            throw Exception(
-                fmt::format("No video frames of pixel format {}", static_cast<int>(format)));
+            throw Exception(fmt::format("Can't create video frames of pixel format {}",
+                                        static_cast<int>(format)));
         }
         if (std::min(info.width, info.height) < 1 || std::max(info.width, info.height) > MAX_SIDE) {
             throw Exception(
-                fmt::format("No video frames of {} by {} pixels", info.width, info.height));
+                fmt::format("Can't create video frames of {}x{} pixels", info.width, info.height));
         }
         return new FrameVideo(space, format, info);
     }

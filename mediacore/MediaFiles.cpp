@@ -10,7 +10,7 @@
 namespace Tarnex::Core {
 namespace {
 
-/// Offers the file to one module after the other until one takes it. Throws what all of them said.
+/// Offers the file to the modules in turn until one accepts it. If none does, throws all reasons.
 template <class Module>
 void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const char* work,
                   const std::function<bool(Module&)>& take) {
@@ -20,7 +20,7 @@ void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const
             if (take(*module)) {
                 return;
             }
-            reasons += "; a module took it and gave nothing";
+            reasons += "; a module accepted it but returned nothing";
         } catch (const std::exception& failure) {
             reasons += fmt::format("; {}", failure.what());
         } catch (...) {

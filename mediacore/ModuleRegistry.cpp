@@ -11,7 +11,7 @@
 namespace Tarnex::Core {
 namespace {
 
-/// Never destroyed: the watch-dog may end the process while a module is being loaded.
+/// Never freed: the watch-dog may end the process while a module is being loaded.
 struct Registry {
     LoadOnce once;
     Mutex mutex;
@@ -41,7 +41,7 @@ void RememberShutdown(const std::string& plugin, const SharedLibrary& library) {
     }
 }
 
-/// Implementation names become parts of keys and of lists joined by commas.
+/// Implementation names become parts of keys and of comma-separated lists.
 void RequireUsableName(const SharedLibrary& library, Module::ICodecModule& codecs) {
     const std::string implementation = codecs.GetImplementation();
     if (implementation.empty() || implementation.find_first_of(".,: \t\r\n") != std::string::npos) {

@@ -20,7 +20,7 @@ ModuleFile SharedLibrary::FindFile(const std::string& plugin) {
         (AppLocations::GetLocations().GetApplicationDirectory() / GetPlatformModuleName(plugin))
             .utf8string();
     boost::system::error_code error;
-    // A base is named because a module may have removed the working directory.
+    // With an explicit base, because a module may have removed the working directory.
     const auto resolved = boost::filesystem::canonical(file, "/", error);
     if (error) {
         ModuleFile{plugin, file}.Refuse(error.message());

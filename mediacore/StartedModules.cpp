@@ -9,7 +9,7 @@ namespace {
 
 using Plugins = std::vector<std::string>;
 
-/// Null where the module fails: the plugin check is where that is reported.
+/// Null if the module fails. The plugin phase reports that, so it is ignored here.
 template <class Kind>
 Kind* TryToStart(const std::string& plugin, Kind* Module::Description::*kind) {
     try {

@@ -31,7 +31,7 @@ std::optional<std::chrono::system_clock::time_point> CreationTime(const std::str
 bool CreateDirectories(const std::string& path) {
     const boost::filesystem::path directory =
         path.substr(0, path.find_last_not_of(PATH_SEPARATOR) + 1);
-    boost::system::error_code ignored;  // The last step fails, too.
+    boost::system::error_code ignored;  // If this fails, so does the last step.
     boost::filesystem::create_directories(directory.parent_path(), ignored);
     return mkdir(directory.c_str(), 0777) == 0 || errno == EEXIST;
 }

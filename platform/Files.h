@@ -8,8 +8,8 @@ namespace Tarnex::Platform {
 
 inline constexpr char PATH_SEPARATOR = '/';
 
-/// Makes a directory with all its missing parents. True also if something of this name is there
-/// already, be it a directory or not.
+/// Creates a directory and its missing parents. Also true if anything with this name exists
+/// already, whether it is a directory or not.
 [[nodiscard]] bool CreateDirectories(const std::string& path);
 
 struct FoundFile {
@@ -17,12 +17,12 @@ struct FoundFile {
     std::chrono::system_clock::time_point created;
 };
 
-/// The entries of a directory whose names begin with `prefix`; none where it can't be read. Where
-/// the file system doesn't keep the time of creation, it is that of the last change.
+/// The entries of a directory whose names begin with `prefix`; empty if it can't be read. `created`
+/// is the time of the last change if the file system doesn't store the time of creation.
 [[nodiscard]] std::vector<FoundFile> FindFiles(const std::string& directory,
                                                const std::string& prefix);
 
-/// Removes a file or a link, never a directory. False if the file is still there.
+/// Removes a file or a link, but never a directory. Returns false if it couldn't be removed.
 bool RemoveFile(const std::string& path);
 
 }  // namespace Tarnex::Platform

@@ -18,7 +18,7 @@ namespace {
 
 using Loader = std::function<void(const std::string&)>;
 
-/// Empty for a factory that isn't known.
+/// Empty for an unknown factory.
 Loader GetLoader(const std::string& factory) {
     if (factory == CODEC_FACTORY) {
         return [](const std::string& plugin) { Proc::CodecFactoryImpl::TryToLoadModule(plugin); };
@@ -39,7 +39,7 @@ Loader GetLoader(const std::string& factory) {
         return [](const std::string& plugin) { Proc::ParserFactoryImpl::TryToLoadModule(plugin); };
     }
     if (factory == OGL_MANAGER) {
-        // No module out of a list: it shows that the machine's OpenGL can be started and stopped.
+        // Needs no module from a list: it shows whether this machine's OpenGL starts and stops.
         return [](const std::string&) {
             Ogl::OglManager& manager = Ogl::OglManager::GetInstance();
             manager.Initialize();
@@ -112,12 +112,14 @@ std::vector<PluginChecker::PluginRecord> PluginChecker::SelectPluginsToCheck() c
         if (HasModuleFile(record.name)) {
             selection.push_back(record);
         } else {
+            // Contract: parents match this text; keep it verbatim.
             LogTagged(WARNING_TAG, "Can't find plugin " + record.name);
         }
     });
     return selection;
 }
 
+// Contract: parents match the texts below; keep them verbatim.
 void PluginChecker::CheckPlugin(const PluginRecord& record) {
     if (IsKnownBroken(record.name)) {
         RecordFailure(record.name, record.name + ": \nTest Error\n");

@@ -16,7 +16,7 @@ namespace {
 
 constexpr char LOGS_BELOW_DATA[] = "/Tarnex/Logs/";
 
-/// What glog adds to a stem, at its longest, and what file systems take.
+/// The longest text that glog adds to a stem, and the longest name that file systems allow.
 constexpr std::size_t LONGEST_ADDITION = sizeof(".WARNING.20261231-235959.4194304") - 1;
 constexpr std::size_t LONGEST_NAME = 255;
 
@@ -37,7 +37,7 @@ std::string ProgramName() {
     return file.substr(0, file.rfind('.'));
 }
 
-/// The user becomes part of a file name.
+/// The user's name, as a part of a file name.
 std::string UserName() {
     std::string user = Platform::GetEnvironment("USERNAME").value_or("UNKNOWN");
     std::replace(user.begin(), user.end(), Platform::PATH_SEPARATOR, '_');
@@ -52,7 +52,7 @@ void SetLogDestinations(const std::string& stem, std::int32_t minSeverity) {
 }
 
 void StartLogging(const std::string& product) {
-    // glog keeps the pointer, and a second start would abort.
+    // glog keeps the pointer. It aborts at a second start.
     static const std::string& name = *new std::string(product);
     if (!google::IsGoogleLoggingInitialized()) {
         google::InitGoogleLogging(name.c_str());
@@ -68,7 +68,7 @@ bool InitLogging(const std::string& productName, std::int32_t minSeverity,
 
 bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
                  std::int64_t maxAgeDays) {
-    // A full log or a parent that has stopped reading is no reason to end the run.
+    // A full disk or a parent that stopped reading must not end the run.
     Platform::IgnoreWriteSignals();
     const std::string product = ReduceProductName(Platform::Narrow(productName));
     const auto data = Platform::GetEnvironment("LOCALAPPDATA");

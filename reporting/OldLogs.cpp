@@ -8,7 +8,7 @@ namespace Tarnex::Core::Utils {
 
 std::chrono::system_clock::time_point LogAgeLimit(std::chrono::system_clock::time_point now,
                                                   std::int64_t maxAgeDays) {
-    // The clock counts nanoseconds in 64 bits, which hold not quite three hundred years.
+    // The clock counts nanoseconds in 64 bits, which cover less than three hundred years.
     constexpr std::int64_t HUNDRED_YEARS = 36525;
     return now - std::chrono::hours(24) * std::clamp(maxAgeDays, -HUNDRED_YEARS, HUNDRED_YEARS);
 }

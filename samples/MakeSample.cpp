@@ -1,4 +1,4 @@
-// Writes a sample file of the codec check: a short clip that our own modules encode.
+// Writes one sample file for the codec check: a short clip, encoded by our own modules.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -18,7 +18,7 @@ using Tarnex::Proc::Pointer;
 using Tarnex::Proc::Property;
 namespace Proc = Tarnex::Proc;
 
-/// A number of frames that are read once, from first to last: there is no way back.
+/// A few frames that can be read once, from first to last. The clip can't seek.
 template <class Interface, class Frame>
 class Clip : public Proc::StreamBase<Interface> {
 public:
@@ -40,13 +40,13 @@ private:
     int number = 0;
 };
 
-/// Two pictures, one of which moves over the other: no frame can be predicted without a rest.
+/// A picture moving over itself, so that no frame can be predicted without a residual.
 class Pictures : public Clip<Proc::IStreamVideo, Proc::IFrameVideo> {
 public:
     explicit Pictures(const std::string& codecId)
         : Clip(FRAMES),
           size(codecId == Proc::IFormatCodecVideo::CODEC_ID_DVVIDEO
-                   ? Proc::FrameInfo{720, 576, 1, 1}  // one of the few that DV knows
+                   ? Proc::FrameInfo{720, 576, 1, 1}  // one of the few sizes that DV allows
                    : Proc::FrameInfo{320, 240, 1, 1}) {}
 
     Pointer<Proc::IFormatCodecVideo> GetFormatCodec() const override {
@@ -70,7 +70,7 @@ private:
     static constexpr int FRAMES = 6;
     static constexpr int FRAME_LENGTH = 40;
 
-    /// The mean of the picture and itself, moved by some rows and pixels.
+    /// Averages the picture with a copy of itself, shifted by some rows and pixels.
     static void Overlay(const Proc::Plane& plane, int number) {
         const std::ptrdiff_t shift = std::ptrdiff_t{number} * (3 * plane.stride + 5);
         const std::ptrdiff_t end = std::ptrdiff_t{plane.height} * plane.stride - shift;
@@ -129,7 +129,7 @@ void MakeSample(const std::string& file, const std::string& codecId, const std::
     core.WaitUntilInitialized();
     const Pointer<Proc::ICodedStream> stream = Encode(codecId, options);
     if (!stream) {
-        throw Tarnex::Exception("Nobody encodes " + codecId);
+        throw Tarnex::Exception("No started module encodes " + codecId);
     }
     Proc::MuxerFactoryImpl::WriteFile(file, stream);
     core.Uninitialize();

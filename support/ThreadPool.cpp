@@ -25,7 +25,7 @@ public:
     void Stop() {
         if (threads) {
             threads->join();
-            threads.reset();  // a joined pool runs nothing more
+            threads.reset();  // a joined pool runs no more tasks
         }
         if (const std::exception_ptr thrown = TakeFailure()) {
             std::rethrow_exception(thrown);
@@ -56,7 +56,7 @@ private:
 ThreadPool::ThreadPool(std::size_t threadCount)
     : impl(std::make_unique<Impl>(std::max<std::size_t>(threadCount, 1))) {}
 
-// A pool that is destroyed without a join drops the tasks that haven't begun.
+// Destroying the pool without a join drops the tasks that haven't begun.
 ThreadPool::~ThreadPool() = default;
 
 void ThreadPool::AddTask(std::function<void()> task) {

@@ -7,13 +7,13 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Takes blanks, tabs and line ends off both ends, in place. Returns its argument.
+/// Removes blanks, tabs and line ends from both ends, in place. Returns its argument.
 std::string& TrimAll(std::string& text);
 
-/// The pieces between commas, trimmed. Nothing comes after a comma at the end.
+/// Splits at commas and trims each piece. A comma at the end adds no empty piece.
 [[nodiscard]] std::vector<std::string> SplitAtCommas(const std::string& joined);
 
-/// The same without empty pieces.
+/// Like `SplitAtCommas`, but drops empty pieces.
 [[nodiscard]] std::vector<std::string> SplitNames(const std::string& joined);
 
 [[nodiscard]] inline bool Contains(const std::vector<std::string>& names, const std::string& name) {

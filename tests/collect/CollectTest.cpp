@@ -136,12 +136,12 @@ TEST_F(CollectTest, OfABundleComesWhatItsManifestCallsAPluginsBinary) {
     for (const LeftOut& leftOut : findings.leftOut) {
         reasons.emplace(leftOut.path.lexically_relative(folder).string(), leftOut.reason);
     }
-    const std::string elsewhere = "its manifest names what lies elsewhere: ";
+    const std::string elsewhere = "its manifest names a file outside the bundle: ";
     const std::multimap<std::string, std::string> expected{
         {"elsewhere.lv2", elsewhere + (folder / "two/a.so").string()},
         {"elsewhere.lv2", elsewhere + "http://host/a.so"},
         {"elsewhere.lv2", elsewhere + "text.so"},
-        {"empty.lv2", "a bundle without the file manifest.ttl"},
+        {"empty.lv2", "the bundle has no manifest.ttl"},
         {"gone.lv2/a.so", "No such file or directory"},
         {"text.lv2", "its manifest.ttl isn't Turtle: line 4: bad verb"},
         {"undefined.lv2", "its manifest.ttl isn't Turtle: undefined prefix of lv2:binary"}};
