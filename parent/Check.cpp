@@ -132,7 +132,6 @@ private:
             session.Tell(item);
             result.items.push_back(item);
         }
-        session.RemoveUnusedLists();
         if (std::ranges::count(result.items, Verdict::NotReached, &Item::verdict) != 0) {
             AddProblem("Not all items were reached");
         }

@@ -1,10 +1,8 @@
 #include "parent/Run.h"
 
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "core/support/Text.h"
@@ -16,8 +14,6 @@ namespace {
 using Core::Utils::ToFPSeconds;
 
 constexpr std::size_t LAST_WORDS = 2000;  // bytes
-/// In one go, so that a module that never stops writing doesn't keep us from the deadlines.
-constexpr int MAX_READS = 64;
 
 Platform::ProcessStart ToStart(const CheckOptions& options, const Names& environment,
                                const Job& job) {
@@ -25,54 +21,31 @@ Platform::ProcessStart ToStart(const CheckOptions& options, const Names& environ
             environment, job.helper};
 }
 
-/// Gives each piece that can be read now; forgets the descriptor at its end.
-template <class Take>
-void ReadSome(int& descriptor, const Take& take) {
-    std::array<char, 16384> buffer;
-    for (int i = 0; i < MAX_READS && descriptor >= 0; ++i) {
-        const ssize_t size = read(descriptor, buffer.data(), buffer.size());
-        if (size < 0) {
-            return;
-        }
-        take(std::string_view(buffer.data(), static_cast<std::size_t>(size)));
-        descriptor = size == 0 ? -1 : descriptor;
-    }
-}
-
 }  // namespace
 
 Run::Run(const CheckOptions& options, CheckListener& listener, std::size_t index,
          const Names& environment, Job wanted)
     : job(std::move(wanted)),
+      process(ToStart(options, environment, job)),
       index(index),
       deadline(Clock::now() + options.itemTime),
       options(options),
       listener(listener),
-      reader([this](const Record& record) { Follow(record); }),
-      process(ToStart(options, environment, job)),
-      errorPipe(process.ErrorDescriptor()),
-      outputPipe(process.OutputDescriptor()) {}
-
-void Run::AddDescriptors(std::vector<pollfd>& descriptors) const {
-    for (const int descriptor : {errorPipe, outputPipe, process.ReportDescriptor()}) {
-        descriptors.push_back({descriptor, POLLIN, 0});
-    }
-}
+      reader([this](const Record& record) { Follow(record); }) {}
 
 bool Run::Advance() {
     const auto report = process.TakeReport();
-    ReadSome(errorPipe, [this](std::string_view bytes) { ReadError(bytes); });
-    ReadSome(outputPipe, [this](std::string_view bytes) { output += bytes; });
+    Read();
     if (report) {
         Finish(*report);
         return true;
     }
-    if (errorPipe < 0 && !job.watch.open.empty()) {  // Nothing can be learned any more.
-        process.End();
-    }
     if (Clock::now() >= deadline) {
         late = true;
         deadline = Clock::time_point::max();
+    }
+    // Nothing more can be learned from a run whose open item closed standard error.
+    if (late || (process.HasClosedError() && !job.watch.open.empty())) {
         process.End();
     }
     return false;
@@ -81,17 +54,19 @@ bool Run::Advance() {
 void Run::Stop() {
     stopped = true;
     process.End();
-    pollfd event{process.ReportDescriptor(), POLLIN, 0};
-    while (poll(&event, 1, -1) < 0) {
-    }
-    Advance();
+    const auto report = process.AwaitReport();
+    Read();
+    Finish(report);
 }
 
-void Run::ReadError(std::string_view bytes) {
-    listener.OnOutput(index, bytes);
-    lastWords += bytes;
+void Run::Read() {
+    if (const std::string bytes = process.ReadError(); !bytes.empty()) {
+        listener.OnOutput(index, bytes);
+        reader.Feed(bytes);
+        lastWords += bytes;
+    }
     lastWords.erase(0, lastWords.size() - std::min(lastWords.size(), LAST_WORDS));
-    reader.Feed(bytes);
+    output += process.ReadOutput();
 }
 
 void Run::Follow(const Record& record) {

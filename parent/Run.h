@@ -1,7 +1,5 @@
 #pragma once
 
-#include <poll.h>
-
 #include "core/support/Exception.h"
 #include "parent/Watch.h"
 #include "platform/Process.h"
@@ -30,8 +28,6 @@ public:
     Run(const CheckOptions& options, CheckListener& listener, std::size_t index,
         const Names& environment, Job job);
 
-    void AddDescriptors(std::vector<pollfd>& descriptors) const;
-
     /// Reads what there is and holds the deadline. True once the process and all that it started
     /// have ended. Throws `CheckFailure` if there was no start.
     bool Advance();
@@ -40,6 +36,7 @@ public:
     void Stop();
 
     Job job;
+    Platform::Process process;
     const std::size_t index;     ///< in `CheckResult::runs`
     Clock::time_point deadline;  ///< for the next step
     RunEnd end = KilledBy{"SIGKILL"};
@@ -50,7 +47,7 @@ public:
     std::string survivors;    ///< what SIGKILL doesn't end
 
 private:
-    void ReadError(std::string_view bytes);
+    void Read();
     void Follow(const Record& record);
     void Finish(const Platform::ProcessReport& report);
     RunEnd ToEnd(const Platform::ProcessReport& report) const;
@@ -61,9 +58,6 @@ private:
     RecordReader reader;
     bool late = false;
     bool stopped = false;
-    Platform::Process process;
-    int errorPipe;   // -1 from its end on
-    int outputPipe;  // the same
 };
 
 }  // namespace Tarnex::Parent

@@ -1,6 +1,7 @@
 #include "parent/Session.h"
 
-#include <unistd.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cstring>
@@ -9,6 +10,7 @@
 
 #include "core/support/Constants.h"
 #include "core/support/ModuleOptions.h"
+#include "platform/Environment.h"
 
 namespace Tarnex::Parent {
 namespace {
@@ -16,18 +18,6 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds PROGRESS_TIME{200};
-
-/// Without what would turn the records away from standard error.
-Names CleanEnvironment() {
-    Names kept;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string variable = *entry;
-        if (!variable.starts_with("GLOG_") && !variable.starts_with("LOCALAPPDATA=")) {
-            kept.push_back(variable);
-        }
-    }
-    return kept;
-}
 
 /// The status of an error that isn't an item's, as the protocol has it.
 bool ForbidsToGoOn(const Run& run) {
@@ -53,7 +43,8 @@ Session::Session(const CheckOptions& options, CheckListener& listener, CheckResu
       listener(listener),
       result(result),
       order(ReadPluginOrder(options.application)),
-      environment(CleanEnvironment()) {}
+      // These would turn the records away from standard error.
+      environment(Platform::GetEnvironmentWithout({"GLOG_", "LOCALAPPDATA="})) {}
 
 void Session::Drain(const Next& next, const std::function<void(const Run&)>& take) {
     try {
@@ -127,7 +118,7 @@ void Session::Await() {
     std::vector<pollfd> descriptors{{options.stop, POLLIN, 0}};
     Clock::time_point until = Clock::now() + PROGRESS_TIME;
     for (const auto& run : active) {
-        run->AddDescriptors(descriptors);
+        run->process.AddTo(descriptors);
         until = std::min(until, run->deadline);
     }
     const auto wait = std::chrono::ceil<milliseconds>(until - Clock::now()).count();
@@ -213,7 +204,7 @@ std::string Session::Time(std::size_t items) const {
     return std::to_string(std::min(MOST, (items + 2) * each));
 }
 
-std::string Session::WriteList(const std::string& name, const Names& plugins) {
+std::string Session::WriteList(const std::string& name, const Names& plugins) const {
     if (plugins.empty()) {
         return Core::Utils::EMPTY_VALUE;
     }
@@ -226,19 +217,7 @@ std::string Session::WriteList(const std::string& name, const Names& plugins) {
     if (!file.flush()) {
         throw CheckFailure("Can't write \"" + path + "\": " + std::strerror(errno));
     }
-    lists.insert(path);
     return path;
-}
-
-void Session::RemoveUnusedLists() const {
-    std::error_code ignored;
-    for (const std::string& path : lists) {
-        if (std::ranges::none_of(result.items,
-                                 [&](const Item& item) { return Contains(item.repro, path); })) {
-            std::filesystem::remove(path, ignored);
-        }
-    }
-    std::filesystem::remove(options.lists, ignored);  // if it is empty
 }
 
 void Session::Tell(const Item& item) {
@@ -254,11 +233,7 @@ void Session::Note(const std::string& text) {
 }
 
 std::string JoinOrNothing(const Names& names) {
-    std::string joined;
-    for (const std::string& name : names) {
-        joined += (joined.empty() ? "" : ",") + name;
-    }
-    return joined.empty() ? Core::Utils::EMPTY_VALUE : joined;
+    return names.empty() ? Core::Utils::EMPTY_VALUE : fmt::format("{}", fmt::join(names, ","));
 }
 
 Names ToRepro(const CheckOptions& options, const Names& arguments) {

@@ -43,8 +43,7 @@ public:
 
     /// Writes a plugin list into the folder for lists and gives its path; the placeholder for
     /// nothing if there are no names. Throws `CheckFailure`.
-    std::string WriteList(const std::string& name, const Names& plugins);
-    void RemoveUnusedLists() const;
+    std::string WriteList(const std::string& name, const Names& plugins) const;
 
     /// Tells the listener, each item once.
     void Tell(const Item& item);
@@ -70,7 +69,6 @@ private:
     std::deque<Job> waiting;  // to be alone, or to be repeated
     Clock::time_point lastProgress;
     std::set<const Item*> told;
-    std::set<std::string> lists;
 };
 
 /// Joined by commas; the placeholder for nothing if there are none.

@@ -1,5 +1,8 @@
 #include "platform/Environment.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -17,6 +20,18 @@ std::optional<std::wstring> GetEnvironment(const std::wstring& name) {
 
 bool SetEnvironment(const std::wstring& name, const std::wstring& value) {
     return setenv(Narrow(name).c_str(), Narrow(value).c_str(), 1) == 0;
+}
+
+std::vector<std::string> GetEnvironmentWithout(const std::vector<std::string>& beginnings) {
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        if (std::ranges::none_of(beginnings,
+                                 [&](const std::string& name) { return text.starts_with(name); })) {
+            variables.emplace_back(text);
+        }
+    }
+    return variables;
 }
 
 std::wstring GetProgramPath() {

@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -31,6 +30,8 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds KILL_TIME{5};
 /// For a child that is being killed while it forks: its own child has to be found in turn.
 constexpr int SWEEP_MILLISECONDS = 10;
+/// Bytes: a process that never stops writing doesn't keep its reader from the time.
+constexpr std::size_t MAX_READ = 1'000'000;
 
 [[noreturn]] void Fail(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
@@ -318,6 +319,33 @@ Process::~Process() {
     End();
     while (waitpid(keeper, nullptr, 0) < 0 && errno == EINTR) {
     }
+}
+
+void Process::AddTo(std::vector<pollfd>& descriptors) const {
+    for (const Descriptor* descriptor : {&error, &output, &report}) {
+        descriptors.push_back({descriptor->Get(), POLLIN, 0});
+    }
+}
+
+std::string Process::Read(Descriptor& descriptor) {
+    std::string text;
+    std::array<char, 16384> buffer;
+    ssize_t size = 1;
+    while (descriptor.Get() >= 0 && text.size() < MAX_READ && size > 0) {
+        size = read(descriptor.Get(), buffer.data(), buffer.size());
+        text.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    }
+    if (size == 0) {
+        descriptor.Close();
+    }
+    return text;
+}
+
+ProcessReport Process::AwaitReport() {
+    pollfd event{report.Get(), POLLIN, 0};
+    while (poll(&event, 1, -1) < 0) {
+    }
+    return TakeReport().value();
 }
 
 std::optional<ProcessReport> Process::TakeReport() {

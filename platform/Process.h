@@ -1,5 +1,6 @@
 #pragma once
 
+#include <poll.h>
 #include <sys/types.h>
 
 #include <chrono>
@@ -61,19 +62,27 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// These don't block: standard error, standard output (-1 unless kept), and what becomes
-    /// readable with the report. Descendants may hold the first two open until the report.
-    int ErrorDescriptor() const { return error.Get(); }
-    int OutputDescriptor() const { return output.Get(); }
-    int ReportDescriptor() const { return report.Get(); }
+    /// Adds what becomes readable when there is something to read or to report.
+    void AddTo(std::vector<pollfd>& descriptors) const;
+
+    /// What can be read now, a bounded part of it, of standard error and of standard output.
+    /// Doesn't wait.
+    std::string ReadError() { return Read(error); }
+    std::string ReadOutput() { return Read(output); }
+
+    /// Whether nobody holds standard error open any more.
+    bool HasClosedError() const { return error.Get() < 0; }
+
+    /// None while it is running. Descendants may write until then.
+    std::optional<ProcessReport> TakeReport();
+    ProcessReport AwaitReport();
 
     /// Tells the keeper to end it; the report follows.
     void End() { control.Close(); }
 
-    /// None while it is running.
-    std::optional<ProcessReport> TakeReport();
-
 private:
+    static std::string Read(Descriptor& descriptor);
+
     Descriptor error;
     Descriptor output;
     Descriptor report;

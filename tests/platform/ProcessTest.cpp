@@ -1,7 +1,6 @@
 #include "platform/Process.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,18 +17,6 @@ Process Shell(const std::string& script) {
     return Process({"/bin/sh", {"-c", script}, {"PATH=/usr/bin:/bin", "SEEN=yes"}, true});
 }
 
-ProcessReport Wait(Process& process) {
-    pollfd event{process.ReportDescriptor(), POLLIN, 0};
-    EXPECT_EQ(poll(&event, 1, 20000), 1);
-    return process.TakeReport().value();
-}
-
-std::string ReadAll(int descriptor) {
-    std::string text(10000, '\0');
-    const ssize_t size = read(descriptor, text.data(), text.size());
-    return text.substr(0, size < 0 ? 0 : static_cast<std::size_t>(size));
-}
-
 /// Whether a process with this in its command line is alive.
 bool IsAlive(const std::string& mark) {
     return std::system(("pgrep -f '[s]leep " + mark + "' >/dev/null").c_str()) == 0;
@@ -37,22 +24,22 @@ bool IsAlive(const std::string& mark) {
 
 TEST(Process, TellsHowItEnded) {
     Process exits = Shell("exit 3");
-    EXPECT_EQ(WEXITSTATUS(Wait(exits).status), 3);
+    EXPECT_EQ(WEXITSTATUS(exits.AwaitReport().status), 3);
     Process killed = Shell("kill -TERM $$");
-    const ProcessReport report = Wait(killed);
+    const ProcessReport report = killed.AwaitReport();
     EXPECT_EQ(Tarnex::Platform::SignalName(WTERMSIG(report.status)), "SIGTERM");
     EXPECT_FALSE(report.ended);
     Process missing({"/nowhere/program", {}, {}});
-    EXPECT_EQ(Wait(missing).startError, ENOENT);
+    EXPECT_EQ(missing.AwaitReport().startError, ENOENT);
 }
 
 TEST(Process, StartsInAPlaceOfItsOwn) {
     Process process =
         Shell("echo $SEEN $(ulimit -c) $(ls | wc -l) $(cat | wc -c); echo err >&2; pwd");
-    Wait(process);
-    const std::string output = ReadAll(process.OutputDescriptor());
+    process.AwaitReport();
+    const std::string output = process.ReadOutput();
     EXPECT_EQ(output.substr(0, output.find('\n')), "yes 0 0 0");
-    EXPECT_EQ(ReadAll(process.ErrorDescriptor()), "err\n");
+    EXPECT_EQ(process.ReadError(), "err\n");
     const std::string folder = output.substr(output.find('\n') + 1);
     EXPECT_NE(access(folder.substr(0, folder.find('\n')).c_str(), F_OK), 0) << folder;
 }
@@ -68,7 +55,7 @@ TEST(Process, LeavesNoDescendant) {
             EXPECT_TRUE(IsAlive("7654321"));
             process.End();
         }
-        const ProcessReport report = Wait(process);
+        const ProcessReport report = process.AwaitReport();
         EXPECT_EQ(report.ended, std::string(end).starts_with("exec")) << end;
         EXPECT_STREQ(report.survivors, "");
         EXPECT_FALSE(IsAlive("7654321")) << end;
