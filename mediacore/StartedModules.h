@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/Export.h"
 #include "core/media/CodecFactory.h"
 #include "core/module/Module.h"
 
@@ -22,7 +23,7 @@ struct StartedModules {
 StartedModules StartModules(const std::vector<std::string>& disabledPlugins);
 
 /// What the core has started; nothing while it isn't up. Thread-safe.
-std::shared_ptr<const StartedModules> GetStartedModules();
+TARNEX_API std::shared_ptr<const StartedModules> GetStartedModules();
 
 /// The codec factory over these modules.
 Proc::Pointer<Proc::ICodecFactory> CreateCodecFactory(

@@ -1,0 +1,146 @@
+#include "parent/Check.h"
+
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <thread>
+
+#include "assay/Commands.h"
+#include "assay/Installations.h"
+#include "assay/Machine.h"
+#include "assay/Reporter.h"
+#include "assay/Saving.h"
+#include "collect/ModuleFile.h"
+
+namespace Tarnex::Assay {
+namespace {
+
+namespace fs = std::filesystem;
+using Parent::Item;
+
+constexpr unsigned int MEMORY_OF_JOB = 512 * 1024;  // kB
+
+/// Turns SIGINT and SIGTERM into something to read, from here to the end of the process.
+class StopSignals {
+public:
+    StopSignals() {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        sigprocmask(SIG_BLOCK, &signals, nullptr);
+        descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+    }
+    ~StopSignals() { close(descriptor); }
+
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+    /// The signal that came; none: 0.
+    int Take() const {
+        signalfd_siginfo info{};
+        const bool came = read(descriptor, &info, sizeof info) == sizeof info;
+        return came ? static_cast<int>(info.ssi_signo) : 0;
+    }
+
+    int descriptor;
+};
+
+/// In kB; more than any machine has if the kernel doesn't say.
+std::uint64_t GetAvailableMemory() {
+    std::ifstream file("/proc/meminfo");
+    std::string key;
+    for (std::uint64_t value = 0; file >> key >> value; file.ignore(100, '\n')) {
+        if (key == "MemAvailable:") {
+            return value;
+        }
+    }
+    return UINT64_MAX;
+}
+
+unsigned int ChooseJobs(unsigned int wanted) {
+    const std::uint64_t cores = std::max(1U, std::thread::hardware_concurrency());
+    const auto best = std::clamp<std::uint64_t>(GetAvailableMemory() / MEMORY_OF_JOB, 1, cores);
+    return wanted > 0 ? wanted : static_cast<unsigned int>(best);
+}
+
+Json DescribeOptions(const Arguments& arguments, unsigned int jobs) {
+    return {{"check", arguments.check},
+            {"plugins", arguments.plugins},
+            {"implementations", arguments.implementations},
+            {"codecs", arguments.codecs},
+            {"item_time", arguments.itemTime},
+            {"jobs", jobs},
+            {"known", arguments.known}};
+}
+
+std::vector<Item> ListPlugins(const fs::path& installation) {
+    std::vector<Item> plugins = Parent::ListPlugins(installation);
+    for (Item& plugin : plugins) {
+        if (plugin.file && (plugin.file = ReadFileFacts(plugin.file->path))) {
+            plugin.file->buildId = Collect::ReadBuildId(plugin.file->path);
+        }
+    }
+    return plugins;
+}
+
+int ChooseStatus(const Report& report, int signal) {
+    if (!report.complete) {
+        return signal > 0 ? STATUS_SIGNAL + signal : STATUS_INCOMPLETE;
+    }
+    const auto isBad = [](const Item& item) { return IsBad(item.verdict); };
+    return report.badEnd || std::ranges::any_of(report.items, isBad) ? STATUS_BAD : STATUS_GOOD;
+}
+
+std::string GetTime() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return ToIsoTime(now, false);
+}
+
+}  // namespace
+
+int Check(const Arguments& arguments) {
+    Terminal terminal(arguments.events ? stderr : stdout, arguments.quiet);
+    const SavedReport saved(arguments.report.empty() ? GetStateFolder() / "report.json"
+                                                     : fs::path(arguments.report));
+    Reporter reporter(arguments, terminal, saved);
+    const Chosen installation = ChooseInstallation(arguments.app);
+    terminal.Line("checking " + installation.directory.string() + " (" + installation.reason + ")");
+    const StopSignals stop;
+    const Parent::CheckOptions options{.plugins = arguments.check != "codecs",
+                                       .codecs = arguments.check != "plugins",
+                                       .application = installation.directory,
+                                       .pluginNames = arguments.plugins,
+                                       .implementations = arguments.implementations,
+                                       .codecIds = arguments.codecs,
+                                       .itemTime = std::chrono::seconds(arguments.itemTime),
+                                       .jobs = ChooseJobs(arguments.jobs),
+                                       .lists = saved.freshLists,
+                                       .stop = stop.descriptor};
+    Report report;
+    report.started = GetTime();
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<Item> plugins = ListPlugins(installation.directory);
+    reporter.SpareKnown(plugins);
+    static_cast<Parent::CheckResult&>(report) =
+        Parent::RunCheck(options, std::move(plugins), reporter);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    report.seconds = time.count();
+    report.machine = DescribeMachine();
+    report.installation = installation.directory;
+    report.options = DescribeOptions(arguments, options.jobs);
+    report.environment = reporter.environment;
+    const int status = ChooseStatus(report, stop.Take());
+    saved.Save(report);
+    terminal.Summary(report);
+    terminal.Line("report: " + saved.path.string());
+    reporter.Close(report, status);
+    return status;
+}
+
+}  // namespace Tarnex::Assay
