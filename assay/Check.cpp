@@ -7,12 +7,10 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
-#include <optional>
 #include <thread>
 
 #include "assay/Commands.h"
 #include "assay/Installations.h"
-#include "assay/Known.h"
 #include "assay/Machine.h"
 #include "assay/Reporter.h"
 #include "assay/Saving.h"
@@ -80,24 +78,6 @@ Json DescribeOptions(const Arguments& arguments, unsigned int jobs) {
             {"known", arguments.known}};
 }
 
-/// Keeps the files of the media core for the report, and spares codecs that are known.
-class CheckReporter : public Reporter {
-public:
-    using Reporter::Reporter;
-    void OnListing(const Parent::Listing& listing, std::vector<Item>& codecs) override {
-        environment["codec_files"] = DescribeFiles(listing.files);
-        CarryOver(codecs);
-    }
-    void CarryOver(std::vector<Item>& items) const {
-        if (known) {
-            Assay::CarryOver(*known, environment, saved.freshLists, items);
-        }
-    }
-
-    Json environment = DescribeEnvironment();
-    std::optional<Report> known;
-};
-
 std::vector<Item> ListPlugins(const fs::path& installation) {
     std::vector<Item> plugins = Parent::ListPlugins(installation);
     for (Item& plugin : plugins) {
@@ -108,41 +88,18 @@ std::vector<Item> ListPlugins(const fs::path& installation) {
     return plugins;
 }
 
-Parent::CheckResult RunCheck(const Parent::CheckOptions& options, CheckReporter& reporter,
-                             Report& report) {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    const auto start = std::chrono::steady_clock::now();
-    std::vector<Item> plugins = ListPlugins(options.application);
-    reporter.CarryOver(plugins);
-    Parent::CheckResult result = Parent::RunCheck(options, std::move(plugins), reporter);
-    const auto end = std::chrono::steady_clock::now();
-    report.started = ToIsoTime(now, false);
-    report.seconds = std::chrono::duration<double>(end - start).count();
-    return result;
-}
-
-void Fill(Report& report, Parent::CheckResult result, const SavedReport& saved) {
-    report.complete = result.complete;
-    report.problem = std::move(result.problem);
-    report.notes = std::move(result.notes);
-    report.runs = std::move(result.runs);
-    report.items = std::move(result.items);
-    for (Parent::RunFacts& run : report.runs) {
-        saved.Finish(run.arguments);
-    }
-    for (Item& item : report.items) {
-        saved.Finish(item.repro);
-    }
-}
-
-int ChooseStatus(const Parent::CheckResult& result, int signal) {
-    if (!result.complete) {
+int ChooseStatus(const Report& report, int signal) {
+    if (!report.complete) {
         return signal > 0 ? STATUS_SIGNAL + signal : STATUS_INCOMPLETE;
     }
-    const bool isBad =
-        std::ranges::any_of(result.items, [](const Item& item) { return IsBad(item.verdict); });
-    return isBad || result.badEnd ? STATUS_BAD : STATUS_GOOD;
+    const auto isBad = [](const Item& item) { return IsBad(item.verdict); };
+    return report.badEnd || std::ranges::any_of(report.items, isBad) ? STATUS_BAD : STATUS_GOOD;
+}
+
+std::string GetTime() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return ToIsoTime(now, false);
 }
 
 }  // namespace
@@ -151,32 +108,34 @@ int Check(const Arguments& arguments) {
     Terminal terminal(arguments.events ? stderr : stdout, arguments.quiet);
     const SavedReport saved(arguments.report.empty() ? GetStateFolder() / "report.json"
                                                      : fs::path(arguments.report));
-    CheckReporter reporter(terminal, saved, arguments.events, arguments.log);
-    if (!arguments.known.empty()) {
-        reporter.known = ReadReport(arguments.known);
-    }
+    Reporter reporter(arguments, terminal, saved);
     const Chosen installation = ChooseInstallation(arguments.app);
     terminal.Line("checking " + installation.directory.string() + " (" + installation.reason + ")");
     const StopSignals stop;
-    const unsigned int jobs = ChooseJobs(arguments.jobs);
+    const Parent::CheckOptions options{.plugins = arguments.check != "codecs",
+                                       .codecs = arguments.check != "plugins",
+                                       .application = installation.directory,
+                                       .pluginNames = arguments.plugins,
+                                       .implementations = arguments.implementations,
+                                       .codecIds = arguments.codecs,
+                                       .itemTime = std::chrono::seconds(arguments.itemTime),
+                                       .jobs = ChooseJobs(arguments.jobs),
+                                       .lists = saved.freshLists,
+                                       .stop = stop.descriptor};
     Report report;
+    report.started = GetTime();
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<Item> plugins = ListPlugins(installation.directory);
+    reporter.SpareKnown(plugins);
+    static_cast<Parent::CheckResult&>(report) =
+        Parent::RunCheck(options, std::move(plugins), reporter);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    report.seconds = time.count();
     report.machine = DescribeMachine();
     report.installation = installation.directory;
-    report.options = DescribeOptions(arguments, jobs);
-    const auto result = RunCheck({.plugins = arguments.check != "codecs",
-                                  .codecs = arguments.check != "plugins",
-                                  .application = installation.directory,
-                                  .pluginNames = arguments.plugins,
-                                  .implementations = arguments.implementations,
-                                  .codecIds = arguments.codecs,
-                                  .itemTime = std::chrono::seconds(arguments.itemTime),
-                                  .jobs = jobs,
-                                  .lists = saved.freshLists,
-                                  .stop = stop.descriptor},
-                                 reporter, report);
+    report.options = DescribeOptions(arguments, options.jobs);
     report.environment = reporter.environment;
-    Fill(report, result, saved);
-    const int status = ChooseStatus(result, stop.Take());
+    const int status = ChooseStatus(report, stop.Take());
     saved.Save(report);
     terminal.Summary(report);
     terminal.Line("report: " + saved.path.string());

@@ -101,7 +101,7 @@ private:
 
     static void AddPath(CLI::App* command, const char* option, std::string& path,
                         const char* text) {
-        command->add_option(option, path, text)->type_name("PATH")->check(NotEmpty);
+        command->add_option(option, path, text)->type_name("PATH");
     }
 
     static void AddNames(CLI::App* command, const char* option, std::vector<std::string>& names,
@@ -109,11 +109,8 @@ private:
         command->add_option(option, names, text)
             ->type_name("NAME,...")
             ->delimiter(',')
-            ->allow_extra_args(false)
-            ->check(NotEmpty);
+            ->allow_extra_args(false);
     }
-
-    static std::string NotEmpty(const std::string& text) { return text.empty() ? "is empty" : ""; }
 
     CLI::App app{"Checks which plugin modules load and which codecs work on this machine.",
                  "assay"};

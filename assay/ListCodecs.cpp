@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <algorithm>
 #include <boost/exception/diagnostic_information.hpp>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -32,22 +33,12 @@ using Json = nlohmann::json;
 constexpr int EXIT_USAGE = 2;
 
 /// Modules may write to standard output: from now on that goes to standard error.
-int TakeStandardOutput() {
-    const int kept = dup(STDOUT_FILENO);
-    if (kept < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
+std::FILE* TakeStandardOutput() {
+    std::FILE* kept = fdopen(dup(STDOUT_FILENO), "w");
+    if (kept == nullptr || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
         throw std::runtime_error("no standard output");
     }
     return kept;
-}
-
-void Write(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0) {
-            throw std::runtime_error("can't write to standard output");
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
 }
 
 void StartCore(const std::string& without) {
@@ -100,14 +91,17 @@ int List(int argc, char** argv) {
         std::cerr << "Usage: assayer-list [--without NAME,...]\n";
         return EXIT_USAGE;
     }
-    const int output = TakeStandardOutput();
+    std::FILE* output = TakeStandardOutput();
     Core::Utils::PrepareQtEnvironment();
     const std::string without = argc == 3 ? argv[2] : "";
     const QApplication application(argc, argv);
     StartCore(without);
     Json listing{{"codecs", ListCodecs()}};
     listing["files"] = ListMappedFiles();
-    Write(output, listing.dump(-1, ' ', false, Json::error_handler_t::replace));
+    const std::string text = listing.dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (std::fputs(text.c_str(), output) < 0 || std::fflush(output) != 0) {
+        throw std::runtime_error("can't write to standard output");
+    }
     // What modules do at the end of a process is no part of a listing.
     std::_Exit(EXIT_SUCCESS);
 }

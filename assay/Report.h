@@ -15,11 +15,8 @@ using Json = nlohmann::json;
 inline constexpr int SCHEMA = 1;
 
 /// What a check found; the members are the keys of its file, which doc/report.md describes.
-struct Report {
+struct Report : Parent::CheckResult {
     int schema = SCHEMA;
-    bool complete = false;
-    std::string problem;  ///< why it isn't complete
-    std::vector<std::string> notes;
     std::string started;  ///< UTC, ISO 8601
     double seconds = 0;
     Json program = {{"name", "assay"}, {"version", ASSAYER_VERSION}};
@@ -27,8 +24,6 @@ struct Report {
     std::string installation;
     Json options;
     Json environment;
-    std::vector<Parent::Item> items;
-    std::vector<Parent::RunFacts> runs;
 };
 
 Json ToJson(const Parent::FileFacts& facts);

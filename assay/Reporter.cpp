@@ -5,18 +5,28 @@
 #include <iostream>
 #include <utility>
 
+#include "assay/Known.h"
+#include "assay/Machine.h"
 #include "core/support/Exception.h"
 
 namespace Tarnex::Assay {
 
-Reporter::Reporter(Terminal& terminal, const SavedReport& saved, bool events,
-                   const std::string& log)
-    : terminal(terminal), saved(saved), events(events), logPath(log) {
-    if (!log.empty()) {
-        this->log.open(log, std::ios::binary);
-        if (!this->log) {
-            throw Exception("can't write " + log);
+Reporter::Reporter(const Arguments& arguments, Terminal& terminal, const SavedReport& saved)
+    : environment(DescribeEnvironment()), arguments(arguments), terminal(terminal), saved(saved) {
+    if (!arguments.log.empty()) {
+        log.open(arguments.log, std::ios::binary);
+        if (!log) {
+            throw Exception("can't write " + arguments.log);
         }
+    }
+    if (!arguments.known.empty()) {
+        known = ReadReport(arguments.known);
+    }
+}
+
+void Reporter::SpareKnown(std::vector<Parent::Item>& items) const {
+    if (known) {
+        CarryOver(*known, environment, saved.freshLists, items);
     }
 }
 
@@ -49,6 +59,11 @@ void Reporter::OnOutput(std::size_t run, std::string_view bytes) {
     log << bytes << std::flush;
 }
 
+void Reporter::OnListing(const Parent::Listing& listing, std::vector<Parent::Item>& codecs) {
+    environment["codec_files"] = DescribeFiles(listing.files);
+    SpareKnown(codecs);
+}
+
 void Reporter::Close(const Report& report, int status) {
     WriteEvent({{"complete", report.complete},
                 {"totals", CountVerdicts(report.items)},
@@ -56,13 +71,13 @@ void Reporter::Close(const Report& report, int status) {
     if (!std::cout) {
         throw Exception("can't write all events to standard output");
     }
-    if (!logPath.empty() && !log.flush()) {
-        throw Exception("can't write all of " + logPath);
+    if (!arguments.log.empty() && !log.flush()) {
+        throw Exception("can't write all of " + arguments.log);
     }
 }
 
 void Reporter::WriteEvent(const Json& event) const {
-    if (events) {
+    if (arguments.events) {
         std::cout << Render(event) << std::endl;
     }
 }

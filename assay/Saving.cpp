@@ -76,7 +76,13 @@ void SavedReport::Finish(std::vector<std::string>& arguments) const {
     }
 }
 
-void SavedReport::Save(const Report& report) const {
+void SavedReport::Save(Report& report) const {
+    for (Parent::RunFacts& run : report.runs) {
+        Finish(run.arguments);
+    }
+    for (Parent::Item& item : report.items) {
+        Finish(item.repro);
+    }
     WriteFile(path, Render(ToJson(report), 1) + "\n");
     fs::remove_all(lists);
     if (fs::exists(freshLists)) {

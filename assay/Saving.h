@@ -26,8 +26,9 @@ public:
     /// Turns paths of fresh list files into those that they will have.
     void Finish(std::vector<std::string>& arguments) const;
 
-    /// Throws `Tarnex::Exception`; then the earlier report is as it was.
-    void Save(const Report& report) const;
+    /// Finishes the report and writes it. Throws `Tarnex::Exception`; then the earlier report is as
+    /// it was.
+    void Save(Report& report) const;
 
     const std::filesystem::path path;
     const std::filesystem::path freshLists;  ///< where to put list files; isn't there yet

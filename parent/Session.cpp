@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 #include "core/support/Constants.h"
@@ -110,8 +111,12 @@ void Session::Start(Job job) {
     if (job.helper) {
         facts.arguments.insert(facts.arguments.begin(), HELPER);
     }
-    active.push_back(std::make_unique<Run>(options, listener, result.runs.size() - 1, environment,
-                                           std::move(job)));
+    try {
+        active.push_back(std::make_unique<Run>(options, listener, result.runs.size() - 1,
+                                               environment, std::move(job)));
+    } catch (const std::system_error& error) {
+        throw CheckFailure(error.what());
+    }
 }
 
 void Session::Await() {
