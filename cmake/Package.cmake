@@ -21,8 +21,8 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Loads plugin modules and tests codecs in a process of its own, names each before it is touched, and
-tells its parent by records and exit code which can be trusted.")
+"Loads plugin modules and tests codecs in its own process, names each one before it touches it, and
+tells its parent, by records and an exit code, which ones can be trusted.")
 # No link shows these dependencies: graphics drivers, and elements of the optional media framework.
 # They are the packages that scripts/setup.sh installs to run the program from its sources.
 file(STRINGS scripts/packages.list recommends REGEX "^run ")
