@@ -65,7 +65,7 @@ def make_commands(app, folder, bare_loop):
     nothing.mkdir()
     for copy, folders in ((full, []), (empty, [nothing])):
         shutil.copytree(app, copy, symlinks=True)
-        subprocess.run([copy / "assayer-collect", *folders], check=True, stdout=subprocess.DEVNULL)
+        subprocess.run([copy / "assay", "collect", "--into", copy, *folders], check=True, stdout=subprocess.DEVNULL)
     modules, own = read_modules(full), read_modules(empty)
     loops = [[bare_loop, *(word for module in some for word in module)] for some in (modules, own)]
     loaded = {"LD_PRELOAD": ":".join(find_libraries(app / "Assayer"))}

@@ -1,16 +1,15 @@
 # What an installation holds beside its application directory, and the Debian package of all of it.
 include(GNUInstallDirs)
-install(FILES doc/Assayer.1 doc/assayer-collect.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES doc/Assayer.1 doc/assay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 # The same layout as in the sources keeps the links between the documents valid.
 install(FILES README.md ARCHITECTURE.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
-install(FILES doc/protocol.md doc/parent.py DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
+install(FILES doc/protocol.md doc/report.md doc/parent.py DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
 
-foreach(command Assayer assayer-collect)
-  set(link ${PROJECT_BINARY_DIR}/links/${command})
-  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
-  file(CREATE_LINK ../${ASSAYER_INSTALL_DIR}/${command} ${link} SYMBOLIC)
-  install(FILES ${link} DESTINATION ${CMAKE_INSTALL_BINDIR})
-endforeach()
+# The command is on the PATH; what it runs stays in the installation directory.
+set(link ${PROJECT_BINARY_DIR}/links/assay)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
+file(CREATE_LINK ../${ASSAYER_INSTALL_DIR}/assay ${link} SYMBOLIC)
+install(FILES ${link} DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "Assayer developers <assayer@tarnex.invalid>")

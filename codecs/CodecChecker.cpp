@@ -1,23 +1,40 @@
 #include "codecs/CodecChecker.h"
 
 #include <algorithm>
-#include <mutex>
 #include <thread>
+#include <utility>
 
 #include "codecs/CodecTest.h"
 #include "core/media/CoreManager.h"
 #include "core/support/Constants.h"
+#include "core/support/Mutex.h"
 #include "core/support/Text.h"
 #include "reporting/Logging.h"
 
 namespace Tarnex::Core::Utils {
 
-/// Tests one codec, logs its records, and adds the outcome to the round's results. The round owns
-/// the mutex and the results and outlives its tasks.
+/// The results of a round, which outlives its tasks. Thread-safe.
+class CodecChecker::Results {
+public:
+    void Add(const CodecConfig& config, const std::string& error) {
+        const Lock lock(mutex);
+        results[config.GetImplementation()].push_back({config.GetCodecId(), error});
+    }
+
+    ResultsByImplementation Take() {
+        const Lock lock(mutex);
+        return std::move(results);
+    }
+
+private:
+    Mutex mutex;
+    ResultsByImplementation results TARNEX_GUARDED_BY(mutex);
+};
+
+/// Tests one codec, logs its records, and adds the outcome to the round's results.
 struct CodecChecker::CheckTask {
     CodecConfig config;
-    std::mutex& mutex;
-    ResultsByImplementation& results;
+    Results& results;
 
     void operator()() const {
         LogTagged(TEST_CODEC_TAG, config.GetID());
@@ -26,8 +43,7 @@ struct CodecChecker::CheckTask {
             LogTagged(ERROR_TAG, error);
             LogTagged(CODECS_TAG, config.GetID());
         }
-        const std::lock_guard lock(mutex);
-        results[config.GetImplementation()].push_back({config.GetCodecId(), error});
+        results.Add(config, error);
     }
 };
 
@@ -129,18 +145,16 @@ bool CodecChecker::IsKnownBroken(const CodecConfig& config) const {
 }
 
 CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) {
-    ResultsByImplementation results;
-    std::mutex mutex;
+    Results results;
     const auto reportKnownBroken = [&](const CodecConfig& config) {
         // Contract: parents match this text; keep it verbatim.
         const std::string message = config.GetID() + ": \nTest Error\n";
         LogTagged(ERROR_TAG, message);
         LogTagged(CODECS_TAG, config.GetID());
-        const std::lock_guard lock(mutex);  // Tests of this round may already be running.
-        results[config.GetImplementation()].push_back({config.GetCodecId(), message});
+        results.Add(config, message);
     };
     const auto check = [&](const CodecConfig& config) {
-        const CheckTask task{config, mutex, results};
+        const CheckTask task{config, results};
         if (IsKnownBroken(config)) {
             reportKnownBroken(config);
         } else if (useMultithreading) {
@@ -162,7 +176,7 @@ CodecChecker::ResultsByImplementation CodecChecker::CheckRunner(CoderType type) 
     if (useMultithreading) {
         threadPool.Stop();
     }
-    return results;
+    return results.Take();
 }
 
 CodecLists CodecChecker::CollectBrokenCodecs(CoderType type,

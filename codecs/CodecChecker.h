@@ -39,7 +39,7 @@ public:
     /// Logs each name before its test and each finding at once, as records. Returns the broken
     /// codecs by black-list option key. What a test throws is a finding. Any other exception is
     /// passed on.
-    CodecLists Check();
+    [[nodiscard]] CodecLists Check();
 
     /// All failure texts of `Check`.
     std::string GetErrorInfo() const { return errorInfo; }
@@ -57,6 +57,7 @@ private:
 
     enum class CodecListKey { ByImplementation, ByBlackListOption };
 
+    class Results;
     struct CheckTask;
 
     CodecLists GetVerifiableCodecs(CoderType type, CodecListKey keyKind) const;

@@ -112,7 +112,56 @@ std::set<std::string> ReadExports(Elf* elf) {
     return names;
 }
 
+std::string ToHex(const unsigned char* bytes, std::size_t size) {
+    constexpr const char* digits = "0123456789abcdef";
+    std::string text;
+    for (std::size_t i = 0; i < size; ++i) {
+        text += digits[bytes[i] >> 4];
+        text += digits[bytes[i] & 15];
+    }
+    return text;
+}
+
+// Empty where the notes hold none.
+std::string FindBuildId(const Elf_Data& notes) {
+    const auto* bytes = static_cast<const unsigned char*>(notes.d_buf);
+    GElf_Nhdr note;
+    std::size_t name = 0;
+    std::size_t content = 0;
+    for (std::size_t at = 0;
+         (at = gelf_getnote(const_cast<Elf_Data*>(&notes), at, &note, &name, &content)) > 0;) {
+        if (note.n_type == NT_GNU_BUILD_ID && note.n_namesz == sizeof(ELF_NOTE_GNU) &&
+            std::memcmp(bytes + name, ELF_NOTE_GNU, sizeof(ELF_NOTE_GNU)) == 0) {
+            return ToHex(bytes + content, note.n_descsz);
+        }
+    }
+    return "";
+}
+
+std::string FindBuildId(Elf* elf) {
+    for (Elf_Scn* section = nullptr; (section = elf_nextscn(elf, section)) != nullptr;) {
+        GElf_Shdr header;
+        Elf_Data* data = nullptr;
+        if (gelf_getshdr(section, &header) != nullptr && header.sh_type == SHT_NOTE &&
+            (data = elf_getdata(section, nullptr)) != nullptr) {
+            if (std::string id = FindBuildId(*data); !id.empty()) {
+                return id;
+            }
+        }
+    }
+    return "";
+}
+
 }  // namespace
+
+std::string ReadBuildId(const boost::filesystem::path& path) {
+    try {
+        const OpenFile file(path.c_str());
+        return FindBuildId(OpenElf(file).get());
+    } catch (const Exception&) {
+        return "";
+    }
+}
 
 ModuleFile ReadModuleFile(const boost::filesystem::path& path) {
     const OpenFile file(path.c_str());

@@ -2,6 +2,7 @@
 
 #include <boost/filesystem/path.hpp>
 #include <cstdint>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -21,5 +22,9 @@ struct ModuleFile {
 /// Reads the file's ELF header and dynamic symbols. Throws `Tarnex::Exception` with the reason,
 /// without the path, if it isn't a shared object for this kind of machine.
 ModuleFile ReadModuleFile(const boost::filesystem::path& path);
+
+/// The number by which the linker tells builds apart, in hexadecimal digits; empty for a file
+/// without one, and for whatever isn't an ELF file that can be read.
+std::string ReadBuildId(const boost::filesystem::path& path);
 
 }  // namespace Tarnex::Collect

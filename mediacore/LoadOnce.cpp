@@ -57,7 +57,7 @@ void LoadOnce::operator()(const ModuleFile& file, const Load& load) {
 }
 
 LoadOnce::Outcome& LoadOnce::GetOutcome(const std::string& path) {
-    const std::lock_guard lock(mutex);
+    const Lock lock(mutex);
     return outcomes[path];
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "core/support/Mutex.h"
 #include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Core {
@@ -34,8 +35,8 @@ private:
 
     Outcome& GetOutcome(const std::string& path);
 
-    std::mutex mutex;
-    std::map<std::string, Outcome> outcomes;  // guarded by mutex; outcomes never move
+    Mutex mutex;
+    std::map<std::string, Outcome> outcomes TARNEX_GUARDED_BY(mutex);  // each stays where it is
 };
 
 }  // namespace Tarnex::Core

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/Export.h"
 #include "core/media/CodecFactory.h"
 #include "core/module/Module.h"
 
@@ -22,7 +23,7 @@ struct StartedModules {
 StartedModules StartModules(const std::vector<std::string>& disabledPlugins);
 
 /// The modules of the started core; empty if the core isn't started. Thread-safe.
-std::shared_ptr<const StartedModules> GetStartedModules();
+TARNEX_API std::shared_ptr<const StartedModules> GetStartedModules();
 
 /// Creates a codec factory that uses `modules`.
 Proc::Pointer<Proc::ICodecFactory> CreateCodecFactory(

@@ -9,9 +9,16 @@
 #include <variant>
 #include <vector>
 
+#include "core/support/Exception.h"
 #include "parent/Item.h"
 
 namespace Tarnex::Parent {
+
+/// A name in the options that there isn't; the text says which there are.
+class UnknownName : public Exception {
+public:
+    using Exception::Exception;
+};
 
 struct CheckOptions {
     bool plugins = false;
@@ -40,7 +47,7 @@ using RunEnd = std::variant<ExitStatus, KilledBy, OverDeadline>;
 
 /// One process that the check started.
 struct RunFacts {
-    std::vector<std::string> arguments;  ///< without the program
+    std::vector<std::string> arguments;  ///< Assayer's; the helper's name and its own
     RunEnd end;
     double seconds;
 };
@@ -78,6 +85,7 @@ public:
 
 struct CheckResult {
     bool complete = false;
+    bool badEnd = false;             ///< a run ended badly after its last item
     std::string problem;             ///< why not; empty if complete
     std::vector<std::string> notes;  ///< what a person should know and no item holds
     std::vector<Item> items;         ///< plugins in the order of the check, then codecs by name
@@ -91,7 +99,7 @@ std::vector<Item> ListPlugins(const std::filesystem::path& application);
 
 /// Checks an installation; see the options. `plugins` is what `ListPlugins` gave; an item that has
 /// a verdict other than `NotReached` (missing, or carried from an earlier report) isn't touched.
-/// Throws `Tarnex::Exception` for a name in the options that there isn't (with those there are), an
+/// Throws `UnknownName` for a name in the options that there isn't, `Tarnex::Exception` for an
 /// installation without Assayer, or a list file that can't be written. What goes wrong with the
 /// program under way stands in the result.
 CheckResult RunCheck(const CheckOptions& options, std::vector<Item> plugins,

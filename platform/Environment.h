@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Tarnex::Platform {
 
@@ -11,6 +12,10 @@ namespace Tarnex::Platform {
 /// Sets a variable for this process and for the processes it starts. Don't call this while another
 /// thread may read the environment. Returns false if the system refuses the name or the value.
 bool SetEnvironment(const std::string& name, const std::string& value);
+
+/// All variables of this process, as "NAME=value", except those that begin with one of these texts.
+[[nodiscard]] std::vector<std::string> GetEnvironmentWithout(
+    const std::vector<std::string>& beginnings);
 
 /// The path of the running program, symbolic links resolved. Throws
 /// `boost::filesystem::filesystem_error`.

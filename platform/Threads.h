@@ -22,7 +22,7 @@ public:
     void Wait();
 
     /// Returns false if nothing was posted until `time`.
-    bool WaitUntil(std::chrono::steady_clock::time_point time);
+    [[nodiscard]] bool WaitUntil(std::chrono::steady_clock::time_point time);
 
 private:
     sem_t semaphore;

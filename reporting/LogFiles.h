@@ -17,11 +17,12 @@ namespace Tarnex::Core::Utils {
 ///
 /// Returns false if the files have no place: LOCALAPPDATA isn't set, the directory can't be
 /// created, or the names would be too long. Then everything is logged to standard error only.
-bool InitLogging(const std::string& productName, std::int32_t minSeverity, std::int64_t maxAgeDays);
+[[nodiscard]] bool InitLogging(const std::string& productName, std::int32_t minSeverity,
+                               std::int64_t maxAgeDays);
 
 /// Does the same for a wide name.
-bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
-                 std::int64_t maxAgeDays);
+[[nodiscard]] bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
+                               std::int64_t maxAgeDays);
 
 /// Writes what is buffered: lines of INFO severity, and the copies of other lines in the INFO file.
 /// Takes glog's lock, which a stopped thread may hold forever.

@@ -12,7 +12,7 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-std::atomic<bool> isOver = false;
+std::atomic<bool> isOver = false;  // See the fault "hang-until-exit" of the process tests.
 
 void Write(const std::string& tag, const std::string& message) {
     const std::string text = fmt::format("[{}]{}[/{}]", tag, message, tag);

@@ -8,6 +8,6 @@ namespace Tarnex::Core::Utils {
 /// then the reason is logged (or written to standard output if there are no arguments at all), and
 /// `config` is unchanged. Throws `std::invalid_argument` or `std::out_of_range` for a time-out that
 /// isn't a number, and `Tarnex::Exception` for an unknown check type or a malformed list file.
-bool ParseCommandLine(int argc, char** argv, Config& config);
+[[nodiscard]] bool ParseCommandLine(int argc, char** argv, Config& config);
 
 }  // namespace Tarnex::Core::Utils

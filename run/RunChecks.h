@@ -10,7 +10,7 @@ namespace Tarnex::Core::Utils {
 /// Runs and times the phases that the check type selects, plugins before codecs. Starts the media
 /// core before the codec phase, without the plugins that were found broken or are to be disabled.
 /// Catches nothing. Call it on the main thread.
-CheckResult RunChecks(PluginChecker& pluginChecker, CodecChecker& codecChecker,
-                      const Config& config);
+[[nodiscard]] CheckResult RunChecks(PluginChecker& pluginChecker, CodecChecker& codecChecker,
+                                    const Config& config);
 
 }  // namespace Tarnex::Core::Utils

@@ -70,6 +70,7 @@ private:
         if (progress.WaitUntil(deadline) || !Decide(State::Expired)) {
             return;  // cancelled
         }
+        // See the faults "hang-then-hang" and "hang-in-constructor" of the process tests.
         const bool begun = ProgressWithinGrace();
         if (!begun || !ProgressWithinGrace()) {
             std::_Exit(EXIT_CODE);

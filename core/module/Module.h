@@ -20,7 +20,7 @@
 namespace Tarnex::Module {
 
 /// Increases with every change to a type that modules share with the program.
-inline constexpr std::uint32_t VERSION = 1;
+inline constexpr std::uint32_t VERSION = 2;
 
 /// The coders of one implementation. Thread-safe.
 class TARNEX_TYPE ICodecModule {

@@ -6,6 +6,7 @@ namespace Tarnex::Core {
 
 /// Converts the arguments to UTF-8, calls `run` with them, and returns its result. The array ends
 /// with a null pointer and lives until `run` returns; `run` may change it.
-int EntryWrapperWchar(int argc, wchar_t** argv, const std::function<int(int, char**)>& run);
+[[nodiscard]] int EntryWrapperWchar(int argc, wchar_t** argv,
+                                    const std::function<int(int, char**)>& run);
 
 }  // namespace Tarnex::Core

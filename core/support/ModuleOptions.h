@@ -22,7 +22,7 @@ using OptionLists = std::map<std::string, std::vector<std::string>>;
 /// and lines that begin with "#". Every other line is "key: value, value, ...". Trims keys and
 /// values, drops empty values, and joins the lists of a repeated key.
 /// Throws `Tarnex::Exception` that names the file and the line if anything else is found.
-OptionLists LoadFromFile(const ioPath& path, FormatType format);
+[[nodiscard]] OptionLists LoadFromFile(const ioPath& path, FormatType format);
 
 /// Writes the lists as lines of a list file. Throws `Tarnex::Exception` for a key without prefix.
 std::string ModuleOptionsToString(const OptionLists& lists, FormatType format);

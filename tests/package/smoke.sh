@@ -21,7 +21,7 @@ fail() { echo "smoke test: $*" >&2; exit 1; }
 check() {
     local record="$1" code=0
     shift
-    as_user Assayer "$@" >"$output" 2>&1 || code=$?
+    as_user /usr/lib/assayer/Assayer "$@" >"$output" 2>&1 || code=$?
     cat "$output"
     [ "$code" -eq 0 ] || fail "Assayer $*: code $code"
     grep -qF "$record" "$output" || fail "Assayer $*: no $record"
@@ -32,14 +32,24 @@ trap 'rm -f "$output"' EXIT
 install -m 644 "$package" "$root/tmp/assayer.deb"
 as_root apt-get update -q
 as_root apt-get install -q -y --reinstall /tmp/assayer.deb
-rm "$root/tmp/assayer.deb"
 
 check '[LOADED_PLUGINS]true[/LOADED_PLUGINS]' plugins 60
 check '[TEST_CODEC]Decoder.FFMPEG_IMPL.CODEC_ID_H264[/TEST_CODEC]' \
     codecs 60 FFMPEG_IMPL,MEDIA_FOUNDATION_IMPL CODEC_ID_AAC,CODEC_ID_H264
-as_user assayer-collect --help >/dev/null || fail "assayer-collect doesn't start"
-[ -e "$root/usr/share/man/man1/Assayer.1" ] || fail "no manual page"
+[ -e "$root/usr/share/man/man1/assay.1" ] || fail "no manual page"
 
+# Somebody's own installation survives an upgrade and tells what is wrong once the package is gone.
+home="$(as_user mktemp -d)"
+assay() { as_user HOME="$home" assay "$@"; }
+before="$(as_root find /usr/lib/assayer -printf '%p %s %T@ %l\n' | sort)"
+assay collect || fail "assay collect"
+assay all --codec CODEC_ID_AAC,CODEC_ID_H264 || [ $? -eq 1 ] || fail "assay all"
+as_root apt-get install -q -y --reinstall /tmp/assayer.deb
+[ "$before" = "$(as_root find /usr/lib/assayer -printf '%p %s %T@ %l\n' | sort)" ] ||
+    fail "a file of the package was touched"
+assay plugins || [ $? -eq 1 ] || fail "assay plugins after an upgrade"
+
+rm "$root/tmp/assayer.deb"
 as_root apt-get purge -q -y assayer
 [ ! -e "$root/usr/lib/assayer" ] || fail "purged, but something is left"
 echo "smoke test: passed"

@@ -29,6 +29,7 @@ FAILURES = {
     "throws-std": "std reason",
     "throws-tarnex": "tarnex reason",
     "throws-int": "int",
+    "throws-foreign": "threw",
     "refuses": "refused",
     "describes-nothing": "describes-nothing",
     "no-entry-point": "TarnexModuleVersion",

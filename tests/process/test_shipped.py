@@ -60,9 +60,9 @@ def test_a_sample_of_another_codec_is_no_input(installation):
     samples = installation.directory / "resources" / "codecSamples"
     samples.mkdir(parents=True)
     [sample] = (APP / "resources" / "codecSamples").glob("CODEC_ID_H264.*")
-    (samples / f"CODEC_ID_MP3{sample.suffix}").symlink_to(sample)
-    result = installation.run("codecs", "60", FFMPEG, ids(["MP3"]))
-    assert result.of("ERROR") == ["CODEC_ID_MP3 stream not found"], result
+    (samples / f"CODEC_ID_VP9{sample.suffix}").symlink_to(sample)
+    result = installation.run("codecs", "60", FFMPEG, ids(["VP9"]))
+    assert result.of("ERROR") == ["CODEC_ID_VP9 stream not found"], result
 
 
 def test_a_last_failed_test_is_skipped_only_in_its_implementation(shipped):

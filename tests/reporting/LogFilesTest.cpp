@@ -22,7 +22,8 @@ protected:
     LogFiles() : root(testing::TempDir() + "log_files") {
         testing::FLAGS_gtest_death_test_style = "threadsafe";
         std::filesystem::remove_all(root);
-        std::filesystem::create_directories(root);
+        std::filesystem::create_directories(root / "Tarnex/Logs/Assayer");
+        std::ofstream(root / "Tarnex/Logs/Assayer/test_reporting.old") << "text";
         setenv("LOCALAPPDATA", root.c_str(), 1);
         setenv("USERNAME", "user", 1);
         unsetenv("TarnexLogPath");
@@ -60,11 +61,11 @@ using Names = std::set<std::string>;
 
 TEST_F(LogFiles, HaveTheirPlaceAndNames) {
     EXPECT_EXIT(Log("Assayer", 0), testing::ExitedWithCode(0), "line(.|\n)*after the end");
-    EXPECT_EQ(Stems("Assayer"), (Names{"test_reporting.user.ERROR", "test_reporting.user.INFO",
-                                       "test_reporting.user.WARNING"}));
+    EXPECT_EQ(Stems("Assayer"), (Names{"test_reporting.old", "test_reporting.user.ERROR",
+                                       "test_reporting.user.INFO", "test_reporting.user.WARNING"}));
     setenv("USERNAME", "a/b", 1);
     EXPECT_EXIT(Log("Assayer", 2, 0), testing::ExitedWithCode(0), "line");
-    EXPECT_EQ(Stems("Assayer"), Names{"test_reporting.a_b.ERROR"}) << "the others were old";
+    EXPECT_EQ(Stems("Assayer"), Names{"test_reporting.a_b.ERROR"});
     unsetenv("USERNAME");
     setenv("GLOG_PRODUCT_NAME", "fromVariable", 1);
     EXPECT_EXIT(Log("", 2), testing::ExitedWithCode(0), "line");

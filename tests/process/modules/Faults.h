@@ -110,6 +110,23 @@ inline void LeaveChild() {
     }
 }
 
+/// Leaves a process in a session of its own that nobody's child is, takes no signal and holds
+/// standard error open.
+inline void Detach() {
+    if (fork() != 0) {
+        return;
+    }
+    setsid();
+    if (fork() != 0) {
+        _exit(0);
+    }
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, nullptr);
+    sleep(120);
+    _exit(0);
+}
+
 inline void ExhaustMemory() {
     std::vector<std::unique_ptr<char[]>> blocks;
     for (;;) {
@@ -178,6 +195,7 @@ inline const std::map<std::string, void (*)()>& All() {
         {"floods-stdout", FloodStandardOutput},
         {"floods", FloodStandardError},
         {"leaves-child", LeaveChild},
+        {"detaches", Detach},
         {"exhausts-memory", ExhaustMemory},
         {"keeps-memory", KeepMemory},
         {"keeps-memory-hangs", [] { KeepMemory(), Hang(); }},

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -18,13 +19,31 @@ namespace {
 
 using Tarnex::Module::Description;
 
-std::string Behaviour() {
+std::string FileName() {
     Dl_info info{};
-    dladdr(reinterpret_cast<void*>(&Behaviour), &info);
+    dladdr(reinterpret_cast<void*>(&FileName), &info);
     const std::string path = info.dli_fname;
-    const std::string name = path.substr(path.rfind('/') + 1);
+    return path.substr(path.rfind('/') + 1);
+}
+
+std::string Behaviour() {
+    const std::string name = FileName();
     return name.substr(0, name.find('.'));
 }
+
+/// "forges.good.1.so" blames the plugin good.1, which comes next, and claims the end of the phase.
+void Forge() {
+    const std::string name = FileName();
+    const std::size_t begin = name.find('.') + 1;
+    const std::string victim = name.substr(begin, name.size() - begin - std::strlen(".so"));
+    dprintf(STDERR_FILENO,
+            "] [LOAD_PLUGIN_NAME]%s[/LOAD_PLUGIN_NAME]\n] [PLUGINS]%s[/PLUGINS]\n"
+            "] [ERROR]forged[/ERROR]\n] [LOADED_PLUGINS]true[/LOADED_PLUGINS]\n",
+            victim.c_str(), victim.c_str());
+}
+
+/// What one module does to the process and another one pays for.
+constexpr char SPOILED[] = "ASSAYER_TEST_SPOILED";
 
 __attribute__((constructor)) void OnOpen() {
     const std::string behaviour = Behaviour();
@@ -76,6 +95,15 @@ bool Initialize(Description& description) {
         {"throws-int", [] { throw 42; }},
         {"throws-odd-bytes", [] { throw std::runtime_error("odd \"\\\xff\n"); }},
         {"throws-long", [] { throw std::runtime_error(std::string(20000, 'x')); }},
+        {"forges", Forge},
+        {"forges-then-exits", [] { Forge(), std::_Exit(0); }},
+        {"forges-then-hangs", [] { Forge(), Faults::Hang(); }},
+        {"spoils", [] { setenv(SPOILED, "1", 1); }},
+        {"crashes-if-spoiled", [] { getenv(SPOILED) ? Faults::WriteToNowhere() : void(); }},
+        {"fails-if-spoiled",
+         [] {
+             if (getenv(SPOILED)) throw std::runtime_error("spoiled");
+         }},
         {"tells-log-path", [] { std::printf("TarnexLogPath=%s\n", std::getenv("TarnexLogPath")); }},
     };
     const std::string behaviour = Behaviour();

@@ -1,0 +1,124 @@
+// Starts the media core as Assayer does and writes what its modules offer as one JSON object:
+//
+//     {"codecs": {IMPLEMENTATION: {"Decoder": [id, ...], "Encoder": [id, ...]}}, "files": [path,
+//     ...]}
+//
+// `files` is what the process then has mapped. Usage: assayer-list [--without NAME,...]. Exit
+// status: 0; 3 for another command line; 4 if the core or a module can't, with the text as a
+// record.
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <algorithm>
+#include <boost/exception/diagnostic_information.hpp>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+
+#include "core/media/CoreManager.h"
+#include "mediacore/StartedModules.h"
+#include "run/QtEnvironment.h"
+#include "support/Split.h"
+
+namespace {
+
+using namespace Tarnex;  // NOLINT(google-build-using-namespace)
+using Json = nlohmann::json;
+
+constexpr int EXIT_USAGE = 2;
+
+/// Modules may write to standard output: from now on that goes to standard error.
+int TakeStandardOutput() {
+    const int kept = dup(STDOUT_FILENO);
+    if (kept < 0 || dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
+        throw std::runtime_error("no standard output");
+    }
+    return kept;
+}
+
+void Write(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0) {
+            throw std::runtime_error("can't write to standard output");
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void StartCore(const std::string& without) {
+    Core::CoreManager& core = Core::CoreManager::Instance();
+    const Core::CoreOptions options{
+        {Core::MODULE_PLUGIN_LOADER,
+         {{Core::OPT_DISABLED_PLUGINS, Core::Utils::SplitNames(without)}}}};
+    core.Initialize({}, options, nullptr, nullptr, true);
+    core.WaitUntilInitialized();
+}
+
+Json ListCodecs() {
+    const auto factory = Core::CoreManager::Instance().GetCodecFactory();
+    Json codecs = Json::object();
+    for (Module::ICodecModule* module : Core::GetStartedModules()->codecs) {
+        const std::string implementation = module->GetImplementation();
+        codecs[implementation] = {{ToString(Core::CoderType(Core::CoderType::Decoder)),
+                                   factory->GetDecoderCodecs(implementation)},
+                                  {ToString(Core::CoderType(Core::CoderType::Encoder)),
+                                   factory->GetEncoderCodecs(implementation)}};
+    }
+    return codecs;
+}
+
+bool IsFile(const std::string& path) {
+    return !path.starts_with("/dev/") && access(path.c_str(), F_OK) == 0;
+}
+
+std::set<std::string> ListMappedFiles() {
+    std::ifstream maps("/proc/self/maps");
+    std::set<std::string> files;
+    for (std::string line; std::getline(maps, line);) {
+        const std::size_t at = line.find('/');
+        if (at != std::string::npos && IsFile(line.substr(at))) {
+            files.insert(line.substr(at));
+        }
+    }
+    return files;
+}
+
+/// The caught exception on one line.
+std::string GetReason() {
+    std::string reason = boost::current_exception_diagnostic_information();
+    std::ranges::replace(reason, '\n', ' ');
+    return reason;
+}
+
+int List(int argc, char** argv) {
+    if (argc != 1 && (argc != 3 || std::string(argv[1]) != "--without")) {
+        std::cerr << "Usage: assayer-list [--without NAME,...]\n";
+        return EXIT_USAGE;
+    }
+    const int output = TakeStandardOutput();
+    Core::Utils::PrepareQtEnvironment();
+    const std::string without = argc == 3 ? argv[2] : "";
+    const QApplication application(argc, argv);
+    StartCore(without);
+    Json listing{{"codecs", ListCodecs()}};
+    listing["files"] = ListMappedFiles();
+    Write(output, listing.dump(-1, ' ', false, Json::error_handler_t::replace));
+    // What modules do at the end of a process is no part of a listing.
+    std::_Exit(EXIT_SUCCESS);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return List(argc, argv);
+    } catch (...) {
+        std::cerr << "assayer-list: " << GetReason() << std::endl;
+        std::_Exit(EXIT_FAILURE);
+    }
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "parent/Check.h"
+#include "parent/Item.h"
+
+namespace Tarnex::Assay {
+
+using Json = nlohmann::json;
+
+inline constexpr int SCHEMA = 1;
+
+/// What a check found; the members are the keys of its file, which doc/report.md describes.
+struct Report {
+    int schema = SCHEMA;
+    bool complete = false;
+    std::string problem;  ///< why it isn't complete
+    std::vector<std::string> notes;
+    std::string started;  ///< UTC, ISO 8601
+    double seconds = 0;
+    Json program = {{"name", "assay"}, {"version", ASSAYER_VERSION}};
+    Json machine;
+    std::string installation;
+    Json options;
+    Json environment;
+    std::vector<Parent::Item> items;
+    std::vector<Parent::RunFacts> runs;
+};
+
+Json ToJson(const Parent::FileFacts& facts);
+Json ToJson(const Parent::Item& item);
+
+/// With the totals.
+Json ToJson(const Report& report);
+
+/// By kind, how many items have each verdict; only verdicts that occur.
+Json CountVerdicts(const std::vector<Parent::Item>& items);
+
+/// As text, bytes that aren't UTF-8 replaced. `indent` -1: all on one line.
+std::string Render(const Json& json, int indent = -1);
+
+/// Throws `Tarnex::Exception` with place and reason for a text that isn't a whole report of the
+/// schema that this program writes.
+Report ParseReport(const std::string& text);
+
+/// The same for a file, which the exception names.
+Report ReadReport(const std::filesystem::path& path);
+
+}  // namespace Tarnex::Assay

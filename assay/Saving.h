@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include "assay/Report.h"
+
+namespace Tarnex::Assay {
+
+/// Writes the file in one step: a reader sees the old text or the whole new one. What isn't a
+/// regular file, such as a pipe, is written into. Throws `Tarnex::Exception` with path and reason;
+/// what was there is then untouched.
+void WriteFile(const std::filesystem::path& path, std::string_view text);
+
+/// A report's file, with the list files that its commands need in a folder beside it. Both are
+/// replaced together: until then new list files lie in a folder of their own.
+class SavedReport {
+public:
+    /// Makes the folder. Throws `Tarnex::Exception` if the report plainly can't be written there.
+    explicit SavedReport(std::filesystem::path file);
+    ~SavedReport();
+
+    SavedReport(const SavedReport&) = delete;
+    SavedReport& operator=(const SavedReport&) = delete;
+
+    /// Turns paths of fresh list files into those that they will have.
+    void Finish(std::vector<std::string>& arguments) const;
+
+    /// Throws `Tarnex::Exception`; then the earlier report is as it was.
+    void Save(const Report& report) const;
+
+    const std::filesystem::path path;
+    const std::filesystem::path freshLists;  ///< where to put list files; isn't there yet
+
+private:
+    const std::filesystem::path lists;
+};
+
+}  // namespace Tarnex::Assay

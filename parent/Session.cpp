@@ -1,0 +1,245 @@
+#include "parent/Session.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <utility>
+
+#include "core/support/Constants.h"
+#include "core/support/ModuleOptions.h"
+#include "platform/Environment.h"
+
+namespace Tarnex::Parent {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds PROGRESS_TIME{200};
+
+/// The status of an error that isn't an item's, as the protocol has it.
+bool ForbidsToGoOn(const Run& run) {
+    const auto* exit = std::get_if<ExitStatus>(&run.end);
+    const bool isStatusOfRun = exit != nullptr && !run.job.helper;
+    return isStatusOfRun &&
+           ((exit->status == 3 && run.job.watch.begun.empty()) ||
+            (exit->status >= 4 && exit->status <= 6 && run.job.watch.failedItself));
+}
+
+/// After all that it should touch.
+bool EndsBadly(const Run& run) {
+    const auto* exit = std::get_if<ExitStatus>(&run.end);
+    const bool isFine =
+        exit != nullptr && (exit->status == 0 || (exit->status >= 7 && exit->status <= 10));
+    return run.job.watch.finished && !isFine;
+}
+
+}  // namespace
+
+Session::Session(const CheckOptions& options, CheckListener& listener, CheckResult& result)
+    : options(options),
+      listener(listener),
+      result(result),
+      order(ReadPluginOrder(options.application)),
+      // These would turn the records away from standard error.
+      environment(Platform::GetEnvironmentWithout({"GLOG_", "LOCALAPPDATA="})) {}
+
+void Session::Drain(const Next& next, const std::function<void(const Run&)>& take) {
+    try {
+        while (Fill(next), !active.empty()) {
+            Await();
+            AdvanceAll(take);
+        }
+    } catch (...) {
+        waiting.clear();
+        for (const auto& run : std::exchange(active, {})) {
+            run->Stop();
+            AddFacts(*run);
+            take(*run);
+        }
+        throw;
+    }
+}
+
+void Session::RunAll(const std::vector<Job>& jobs,
+                     const std::function<void(std::size_t, const Run&)>& take) {
+    std::deque<Job> queue(jobs.begin(), jobs.end());
+    for (std::size_t i = 0; i < queue.size(); ++i) {
+        queue[i].place = i;
+    }
+    std::stable_partition(queue.begin(), queue.end(), [](const Job& job) { return !job.alone; });
+    const auto next = [&]() -> std::optional<Job> {
+        if (queue.empty()) {
+            return std::nullopt;
+        }
+        std::optional<Job> job = std::move(queue.front());
+        queue.pop_front();
+        return job;
+    };
+    Drain(next, [&](const Run& run) { take(run.job.place, run); });
+}
+
+Watch Session::RunOne(const Job& job) {
+    Watch watch;
+    RunAll({job}, [&](std::size_t, const Run& run) { watch = run.job.watch; });
+    return watch;
+}
+
+void Session::Fill(const Next& next) {
+    while (active.size() < options.jobs && (active.empty() || !active.front()->job.alone)) {
+        if (waiting.empty()) {
+            std::optional<Job> job = next();
+            if (!job) {
+                return;
+            }
+            waiting.push_back(std::move(*job));
+        }
+        if (waiting.front().alone && !active.empty()) {
+            return;
+        }
+        Start(std::move(waiting.front()));
+        waiting.pop_front();
+    }
+}
+
+void Session::Start(Job job) {
+    RunFacts& facts = result.runs.emplace_back();
+    facts.arguments = job.arguments;
+    if (job.helper) {
+        facts.arguments.insert(facts.arguments.begin(), HELPER);
+    }
+    active.push_back(std::make_unique<Run>(options, listener, result.runs.size() - 1, environment,
+                                           std::move(job)));
+}
+
+void Session::Await() {
+    std::vector<pollfd> descriptors{{options.stop, POLLIN, 0}};
+    Clock::time_point until = Clock::now() + PROGRESS_TIME;
+    for (const auto& run : active) {
+        run->process.AddTo(descriptors);
+        until = std::min(until, run->deadline);
+    }
+    const auto wait = std::chrono::ceil<milliseconds>(until - Clock::now()).count();
+    poll(descriptors.data(), descriptors.size(), static_cast<int>(std::max<long>(wait, 0)));
+    if (descriptors.front().revents != 0) {
+        throw CheckFailure("stopped");
+    }
+}
+
+void Session::AdvanceAll(const std::function<void(const Run&)>& take) {
+    for (std::size_t i = 0; i < active.size();) {
+        if (!active[i]->Advance()) {
+            ++i;
+            continue;
+        }
+        const std::unique_ptr<Run> run = std::move(active[i]);
+        active.erase(active.begin() + static_cast<std::ptrdiff_t>(i));
+        AddFacts(*run);
+        if (!IsToRepeat(*run)) {
+            take(*run);
+        }
+    }
+    TellProgress();
+}
+
+void Session::AddFacts(const Run& run) {
+    result.runs[run.index].end = run.end;
+    result.runs[run.index].seconds = run.seconds;
+}
+
+/// Also takes what the end tells of more than items.
+bool Session::IsToRepeat(const Run& run) {
+    const Watch& watch = run.job.watch;
+    if (!run.survivors.empty()) {
+        Note("Still running, SIGKILL doesn't end it: " + run.survivors);
+    }
+    for (const std::string& name : watch.strays) {
+        Note("A record about " + name + " at a wrong place was ignored: a module wrote it");
+    }
+    result.badEnd = result.badEnd || EndsBadly(run);
+    if (ForbidsToGoOn(run)) {
+        throw CheckFailure("Assayer can't check: " + watch.lastError);
+    }
+    if (watch.expected.empty() || watch.finished || !watch.begun.empty()) {
+        return false;
+    }
+    if (run.job.repeated) {
+        throw PhaseFailure("Two runs ended before they named what they should touch (" +
+                           FromEnd(run.end).reason + "): " + run.lastWords);
+    }
+    Job again = run.job;
+    again.repeated = true;
+    again.watch = Watch();
+    again.watch.kind = watch.kind;
+    again.watch.expected = watch.expected;
+    waiting.push_front(std::move(again));
+    return true;
+}
+
+void Session::TellProgress() {
+    const Clock::time_point now = Clock::now();
+    if (now < lastProgress + PROGRESS_TIME / 2) {
+        return;
+    }
+    lastProgress = now;
+    Progress current = progress;
+    for (const auto& run : active) {
+        const Watch& watch = run->job.watch;
+        const auto open = std::chrono::duration_cast<milliseconds>(now - watch.openSince);
+        current.done += watch.attempts.size();
+        if (!watch.open.empty() && (current.touched.empty() || open > current.open)) {
+            current.touched = watch.open;
+            current.open = open;
+        }
+    }
+    current.done = std::min(current.done, current.total);
+    listener.OnProgress(current);
+}
+
+std::string Session::Time(std::size_t items) const {
+    constexpr std::uint64_t MOST = 4294967295;
+    const auto each = static_cast<std::uint64_t>(options.itemTime.count());
+    return std::to_string(std::min(MOST, (items + 2) * each));
+}
+
+std::string Session::WriteList(const std::string& name, const Names& plugins) const {
+    if (plugins.empty()) {
+        return Core::Utils::EMPTY_VALUE;
+    }
+    const std::string path = (std::filesystem::absolute(options.lists) / name).native();
+    std::error_code ignored;
+    std::filesystem::create_directories(options.lists, ignored);
+    std::ofstream file(path, std::ios::binary);
+    file << Core::Utils::ModuleOptionsToString({{"Plugins.Listed", plugins}},
+                                               Core::Utils::FormatType::Plugins);
+    if (!file.flush()) {
+        throw CheckFailure("Can't write \"" + path + "\": " + std::strerror(errno));
+    }
+    return path;
+}
+
+void Session::Tell(const Item& item) {
+    if (told.insert(&item).second) {
+        listener.OnVerdict(item);
+    }
+}
+
+void Session::Note(const std::string& text) {
+    if (!Contains(result.notes, text)) {
+        result.notes.push_back(text);
+    }
+}
+
+std::string JoinOrNothing(const Names& names) {
+    return names.empty() ? Core::Utils::EMPTY_VALUE : fmt::format("{}", fmt::join(names, ","));
+}
+
+Names ToRepro(const CheckOptions& options, const Names& arguments) {
+    Names command{(options.application / PROGRAM).native()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+}  // namespace Tarnex::Parent
