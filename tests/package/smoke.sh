@@ -38,7 +38,7 @@ check '[TEST_CODEC]Decoder.FFMPEG_IMPL.CODEC_ID_H264[/TEST_CODEC]' \
     codecs 60 FFMPEG_IMPL,MEDIA_FOUNDATION_IMPL CODEC_ID_AAC,CODEC_ID_H264
 [ -e "$root/usr/share/man/man1/assay.1" ] || fail "no manual page"
 
-# Somebody's own installation survives an upgrade and tells what is wrong once the package is gone.
+# A user's own installation survives an upgrade; without the package it says what is wrong.
 home="$(as_user mktemp -d)"
 assay() { as_user HOME="$home" assay "$@"; }
 before="$(as_root find /usr/lib/assayer -printf '%p %s %T@ %l\n' | sort)"

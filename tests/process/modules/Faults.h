@@ -110,8 +110,8 @@ inline void LeaveChild() {
     }
 }
 
-/// Leaves a process in a session of its own that nobody's child is, takes no signal and holds
-/// standard error open.
+/// Leaves a process that has its own session and no parent, ignores signals, and holds standard
+/// error open.
 inline void Detach() {
     if (fork() != 0) {
         return;

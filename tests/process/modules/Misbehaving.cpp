@@ -42,7 +42,7 @@ void Forge() {
             victim.c_str(), victim.c_str());
 }
 
-/// What one module does to the process and another one pays for.
+/// What one module does to the process and another one suffers from.
 constexpr char SPOILED[] = "ASSAYER_TEST_SPOILED";
 
 __attribute__((constructor)) void OnOpen() {
