@@ -30,7 +30,7 @@ struct ProcessStart {
     std::string program;  ///< its path
     std::vector<std::string> arguments;
     std::vector<std::string> environment;  ///< all variables, as "NAME=value"
-    bool keepOutput = false;               ///< keep standard output on a pipe, or discard it
+    bool keepOutput = false;               ///< else standard output is discarded
 };
 
 /// How a process ended.
@@ -44,7 +44,8 @@ struct ProcessReport {
 
 /// A process with all its descendants, even those that leave its process group, its session or
 /// their parents. None of them outlives the report, this object or the owner's process, whatever
-/// ends it. The report names any process that doesn't end within five seconds of SIGKILL.
+/// ends it. The only exception: a process that doesn't end within five seconds of SIGKILL is left
+/// alone, and the report names it.
 ///
 /// A keeper stands between the process and the caller: a small process that adopts the orphans and
 /// ends them all. Don't create a `Process` while the caller's process has other threads.
@@ -65,7 +66,7 @@ public:
     /// Adds the descriptors that become readable once there is something to read or to report.
     void AddTo(std::vector<pollfd>& descriptors) const;
 
-    /// Read what standard error and standard output have now, up to a limit. Don't wait.
+    /// Reads what standard error (standard output) holds now, up to a limit. Doesn't wait.
     std::string ReadError() { return Read(error); }
     std::string ReadOutput() { return Read(output); }
 
