@@ -22,7 +22,7 @@ using Libav::Own;
 
 constexpr int SAMPLE_RATE = 44100;
 
-/// Made anew for each codec, as the program's synthetic stream does.
+/// Creates a new picture for each codec, as the program's synthetic stream does.
 Handle<AVFrame> MakePicture(const std::string& codecId) {
     const Proc::Pointer<Core::Utils::FakeStreamVideo> stream(
         new Core::Utils::FakeStreamVideo(Proc::ImplNames::FFMPEG, codecId));
@@ -87,8 +87,7 @@ void ConfigureSound(AVCodecContext& coder, const EncoderTraits& traits) {
     coder.time_base = {1, coder.sample_rate};
 }
 
-/// One frame of the synthetic sound, as much as the coder takes at once; silence where that is
-/// more.
+/// One frame of the synthetic sound, cut to the coder's frame size or filled up with silence.
 Handle<AVFrame> MakeSound(const AVCodecContext& coder) {
     const auto source =
         Proc::Pointer<Core::Utils::FakeStreamAudio>(new Core::Utils::FakeStreamAudio())
@@ -127,7 +126,7 @@ bool ReceivePacket(AVCodecContext& coder, Handle<AVFrame> frame) {
         if (isDrained) {
             return false;
         }
-        // Sound has more frames than one, of which some coders want to see a few.
+        // Sound consists of several frames, and some coders need a few of them.
         if (coder.codec_type == AVMEDIA_TYPE_VIDEO || i == MAX_FRAMES - 2) {
             frame.reset();
         } else {
@@ -167,7 +166,7 @@ void EncodeBare(const std::string& codecId) {
         frame->pts = 0;
     }
     if (result < 0 || !ReceivePacket(*coder, std::move(frame))) {
-        throw std::runtime_error("libavcodec alone gave no packet of " + codecId);
+        throw std::runtime_error("libavcodec alone returned no packet for " + codecId);
     }
 }
 

@@ -4,11 +4,11 @@
 
 namespace Tarnex::Bench {
 
-/// Encodes one frame of the synthetic material by libavcodec alone, with the settings that the
-/// codec module uses. Throws `std::runtime_error` if no packet comes.
+/// Encodes one frame of the synthetic material with libavcodec alone and the codec module's
+/// settings. Throws `std::runtime_error` if it returns no packet.
 void EncodeBare(const std::string& codecId);
 
-/// libavcodec's name of the encoder.
+/// The name of the codec's encoder in libavcodec.
 std::string NameOfEncoder(const std::string& codecId);
 
 }  // namespace Tarnex::Bench

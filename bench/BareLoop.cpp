@@ -1,6 +1,6 @@
 // Loads modules and calls their entry points as the factories do, with nothing around it.
-// Usage: bare_loop [FACTORY FILE]..., where any other factory than those of the interfaces below
-// stands for the program's own interface.
+// Usage: bare_loop [FACTORY FILE]...; a FACTORY without an interface below means our own
+// interface.
 
 #include <dlfcn.h>
 #include <frei0r.h>
@@ -40,7 +40,7 @@ bool TryEffect(void* module, const std::string&) {
            (dlsym(module, "f0r_update") != nullptr || dlsym(module, "f0r_update2") != nullptr);
 }
 
-/// How many filters there are, -1 if one of them lacks something.
+/// The number of filters, or -1 if one of them is incomplete.
 template <class Describe>
 int CountFilters(Describe describe) {
     for (int count = 0;; ++count) {
@@ -101,7 +101,7 @@ bool TryOwn(void* module) {
     return true;
 }
 
-/// No module throws but one of ours.
+/// Only our own modules may throw.
 bool Try(void* module, const std::string& factory, const std::string& file) {
     static const std::map<std::string, bool (*)(void*, const std::string&)> trials{
         {"EffectFactory", TryEffect},

@@ -1,11 +1,11 @@
-// What one pass over all encoders of libavcodec costs, beside the same work done otherwise.
+// Measures a sweep over all of libavcodec's encoders, and the same work done in other ways.
 // Usage: codec_sweep [ROUNDS] [DIRECTORY]
 //
-// Each round does, one after the other: our coders on one thread and on two, libavcodec alone with
-// the same settings, and the command ffmpeg once for each codec that it encodes, beside ours for
-// the same ones. The figures are quotients of medians. At the end it prints the slowest codecs, and
-// the memory before and after 20 more passes. DIRECTORY takes the raw material for the command. The
-// exit status is 1 if something gave nothing: there is no figure then.
+// Each round runs, one after the other: our coders on one thread and on two; libavcodec alone with
+// the same settings; and the ffmpeg command, once for each codec it encodes, beside our coders for
+// the same codecs. The figures are ratios of medians. The end shows the slowest codecs, and the
+// memory before and after 20 more sweeps. DIRECTORY receives the raw material for the command. If
+// any encoder returns nothing, there are no figures and the exit status is 1.
 #include <fmt/format.h>
 #include <sys/resource.h>
 
@@ -39,7 +39,7 @@ double Measure(const std::function<void()>& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Processor seconds of this process and of those that it waited for.
+/// Processor seconds of this process and of the child processes that have ended.
 double ProcessorTime() {
     double seconds = 0;
     for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
@@ -57,8 +57,8 @@ double Median(Seconds values) {
     return values[values.size() / 2];
 }
 
-/// What the same work took in each round. Where others use the machine, the processor time tells
-/// more.
+/// The times of the same work in each round. On a busy machine the processor time is more
+/// reliable.
 struct Series {
     Seconds wall;
     Seconds processor;
@@ -97,11 +97,11 @@ void EncodeOurs(const std::string& codecId) {
     encoder->Seek(0, {});
     encoder->Prepare();
     if (!encoder->ReadNext()) {
-        throw Exception(codecId + " gave nothing");
+        throw Exception(codecId + " returned nothing");
     }
 }
 
-/// Times of one pass by codec.
+/// The times of a sweep, by codec.
 using Times = std::map<std::string, Seconds>;
 
 void Sweep(const Ids& ids, std::size_t threads, void (*encode)(const std::string&),
@@ -124,7 +124,7 @@ long PeakMegabytes() {
     return usage.ru_maxrss / 1024;
 }
 
-/// The synthetic material as files without headers.
+/// Writes the synthetic material as files without headers.
 void WriteMaterial(const std::filesystem::path& directory) {
     const Proc::Pointer<Core::Utils::FakeStreamVideo> stream(
         new Core::Utils::FakeStreamVideo(Proc::ImplNames::FFMPEG, ""));
@@ -147,7 +147,7 @@ void WriteMaterial(const std::filesystem::path& directory) {
                static_cast<std::streamsize>(4 * sound->GetSampleCount()));
 }
 
-/// The command that encodes the material; it lacks the output.
+/// The command that encodes the material, without the output.
 std::string MakeCommand(const std::string& id, const std::filesystem::path& directory) {
     const std::string input =
         Proc::IsVideoCodec(id)
@@ -162,7 +162,7 @@ bool Succeeds(const std::string& command) {
     return std::system(command.c_str()) == 0;
 }
 
-/// The codecs of which the command gives a packet: its status alone doesn't say so.
+/// The codecs for which the command writes a packet; its status alone doesn't say so.
 Ids FindIdsOfCommand(const Ids& ids, const std::filesystem::path& directory) {
     Ids encoded;
     std::copy_if(ids.begin(), ids.end(), std::back_inserter(encoded), [&](const std::string& id) {
@@ -175,7 +175,7 @@ Ids FindIdsOfCommand(const Ids& ids, const std::filesystem::path& directory) {
 void SweepCommand(const Ids& ids, const std::filesystem::path& directory) {
     for (const std::string& id : ids) {
         if (!Succeeds(MakeCommand(id, directory) + " -f null - >/dev/null 2>&1")) {
-            throw Exception("ffmpeg encoded " + id + " once and then didn't");
+            throw Exception("ffmpeg encoded " + id + " once, but not again");
         }
     }
 }
@@ -245,12 +245,12 @@ void MeasureMemory(const Ids& ids) {
     for (int sweep = 0; sweep < 20; ++sweep) {
         Sweep(ids, 1, EncodeOurs);
     }
-    fmt::print("peak memory {} MB, after 20 more passes {} MB\n", peak, PeakMegabytes());
+    fmt::print("peak memory {} MB, after 20 more sweeps {} MB\n", peak, PeakMegabytes());
 }
 
 void Run(std::size_t rounds, const std::filesystem::path& directory) {
     const Ids ids = Factory()->GetEncoderCodecs(Proc::ImplNames::FFMPEG);
-    Sweep(ids, 1, EncodeOurs);  // fills tables that libav makes once
+    Sweep(ids, 1, EncodeOurs);  // fills the tables that libav computes once
     CompareWithLibrary(ids, rounds);
     MeasureMemory(ids);
     CompareWithCommand(ids, rounds, directory);

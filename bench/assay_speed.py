@@ -1,11 +1,11 @@
-"""What the command adds to the program that it runs.
+"""Measures what assay costs beyond the program that it runs.
 
 Usage: assay_speed.py APP_DIRECTORY [ROUNDS]
 
-Over an installation with this machine's own modules that are good, in turns: `assay plugins`, and
-`Assayer plugins` alone. Over the ids of FFMPEG_IMPL that have an encoder: `assay codecs` with two
-jobs, and one Assayer on one thread. Then `assay --help`. It ends with status 1 if a figure is beyond
-its limit."""
+Runs `assay plugins` in turn with `Assayer plugins` alone, on an installation of this machine's own
+good modules. Runs `assay codecs` with two jobs in turn with one Assayer on one thread, on the ids of
+FFMPEG_IMPL that have an encoder. Then runs `assay --help`. Ends with status 1 if a figure exceeds its
+limit."""
 
 import json
 import os
@@ -34,7 +34,7 @@ def in_turns(rounds, environment, *commands):
 
 
 def make_good_installation(app, folder, environment):
-    """This machine's own modules without those that aren't good."""
+    """An installation of this machine's own modules, without those that aren't good."""
     own, report = folder / "own", folder / "report.json"
     subprocess.run([app / "assay", "collect", "--into", own], env=environment, check=True,
                    stdout=subprocess.DEVNULL)

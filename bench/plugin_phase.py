@@ -1,16 +1,16 @@
-"""What the plugin phase adds to the bare loading of the same modules.
+"""Measures the plugin phase against the bare loading of the same modules.
 
 Usage: plugin_phase.py APP_DIRECTORY BARE_LOOP [ROUNDS]
 
-Collects the machine's own modules into a copy of the installation directory and measures processes
-that load them, in turns with processes that load the program's own modules alone: Assayer, the bare
-loop, and the bare loop with Assayer's libraries loaded before. The last is the baseline: for each
-symbol of a module the dynamic linker searches all libraries of the process, and for each library that
-a module needs the list of all that are loaded, whoever asks it to load the module.
+Collects the machine's own modules into a copy of the installation directory. Measures processes that
+load them, in turn with processes that load only the program's own modules: Assayer, the bare loop, and
+the baseline, which is the bare loop with Assayer's libraries loaded first. Loaded libraries slow down
+the dynamic linker, whoever asks it to load a module: it searches all of them for each symbol, and their
+list for each library that the module needs.
 
-The modules' cost is the median over the rounds of the difference with and without modules. The
-status is 1 if Assayer's wall time is above the limit, as a multiple of the baseline's. A quotient may
-be below 1: Assayer has loaded other things of its own by then that modules need."""
+The modules' cost is the median, over the rounds, of the difference with and without modules. The
+status is 1 if Assayer's wall time exceeds the limit, a multiple of the baseline's. The ratio may be
+below 1, because Assayer has already loaded other things that modules need."""
 
 import os
 import re
@@ -28,7 +28,7 @@ FACTORIES = ("EffectFactory", "FilterFactory", "CodecFactory", "MuxerFactory", "
 
 
 def read_modules(directory):
-    """Factory and real file of each plugin, in the order of the check."""
+    """The factory and the real file of each plugin, in the order of the check."""
     lists = dict(re.findall(r"^(\w+):(.*)$", (directory / "plugins.list").read_text(), re.M))
     names = [("OglManager", "OglManager")] + [
         (factory, name) for factory in FACTORIES for name in lists[factory].split(",")]
@@ -37,7 +37,7 @@ def read_modules(directory):
 
 
 def measure(command, environment):
-    """Wall and processor seconds of one process."""
+    """The wall and processor seconds of one process."""
     start = time.perf_counter()
     process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL,
                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -49,18 +49,18 @@ def count_loads(command, environment):
     text = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, capture_output=True,
                           text=True, errors="replace").stderr
     if "[LOADED_PLUGINS]" not in text:
-        sys.exit(f"{command[0]} didn't get through its modules:\n{text[-2000:]}")
+        sys.exit(f"{command[0]} didn't load all its modules:\n{text[-2000:]}")
     return text.count("[LOAD_PLUGIN_NAME]"), text.count("[PLUGINS]")
 
 
 def find_libraries(program):
-    """The libraries that the dynamic linker loads with the program, in its order of search."""
+    """The libraries that the dynamic linker loads with the program, in search order."""
     text = subprocess.run(["ldd", program], capture_output=True, text=True, check=True).stdout
     return re.findall(r"=> (/\S+)", text)
 
 
 def make_commands(app, folder, bare_loop):
-    """By name a command and the variables that it needs, once with the modules and once without."""
+    """For each name the command with the modules, the command without them, and its variables."""
     full, empty, nothing = (Path(folder, name) for name in ("full", "empty", "nothing"))
     nothing.mkdir()
     for copy, folders in ((full, []), (empty, [nothing])):
@@ -76,7 +76,7 @@ def make_commands(app, folder, bare_loop):
 
 
 def require_same_work(commands, environment, count):
-    """Ends the benchmark unless each command went through all modules; says how many load."""
+    """Ends the benchmark unless all commands load the same modules. Prints how many."""
     full, empty, _ = commands["Assayer"]
     loads, failures = count_loads(full, environment)
     own, _ = count_loads(empty, environment)
@@ -88,7 +88,7 @@ def require_same_work(commands, environment, count):
         found[name] = int(subprocess.run(command, capture_output=True, text=True, check=True,
                                          env={**environment, **variables}).stdout.split()[-1])
     if len(set(found.values())) > 1:
-        sys.exit(f"How many modules loaded differs: {found}")
+        sys.exit(f"The commands load different numbers of modules: {found}")
     print(f"{count} modules and {own} of the program's own, {found['Assayer']} of them load")
 
 
@@ -107,7 +107,7 @@ def main(app, bare_loop, rounds):
 
 
 def report(times, rounds):
-    """Prints the figures; gives the wall time as a multiple of the baseline's."""
+    """Prints the figures. Returns the wall time as a multiple of the baseline's."""
     ratios = []
     for column, kind in enumerate(("wall", "processor")):
         def added(name):

@@ -1,15 +1,15 @@
-# Installation directories: a program, modules, plugins.list and whatever else lies beside them. The
-# product's own is complete in the build tree and the same under an installation prefix; tests,
+# Installation directories: a program with its modules, plugins.list and other files beside it. The
+# build tree holds the product's complete directory; an installation prefix gets the same. Tests,
 # benchmarks and the sample maker have smaller ones.
 set(ASSAYER_APP_DIR ${CMAKE_BINARY_DIR}/app)
 set(ASSAYER_INSTALL_DIR lib/assayer CACHE STRING "The installation directory below the prefix")
 
-# The names of the factories, in the order of the check, from the header that owns them.
+# The names of the factories in the order of the check, read from the header that defines them.
 file(STRINGS core/media/PluginFactories.h ASSAYER_FACTORIES REGEX "_FACTORY\\[\\] = ")
 list(TRANSFORM ASSAYER_FACTORIES REPLACE ".*\"(.*)\".*" "\\1")
 
-# Puts a target into the product's installation directory; what it needs of ours it finds beside
-# itself.
+# Puts a target into the product's installation directory. The target finds our own libraries in the
+# same directory.
 function(assayer_add_to_app target)
   set_target_properties(${target} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${ASSAYER_APP_DIR}
@@ -23,8 +23,8 @@ function(assayer_add_to_app target)
     LIBRARY DESTINATION ${ASSAYER_INSTALL_DIR})
 endfunction()
 
-# assayer_add_module(NAME FACTORY source...): a plugin module of our own interface. FACTORY is the
-# factory that lists it, in the order of these calls, or NONE where the program knows it by name.
+# assayer_add_module(NAME FACTORY source...) adds a plugin module of our own interface. FACTORY lists
+# it, in the order of these calls. NONE: no factory lists it, because the program knows its name.
 function(assayer_add_module name factory)
   add_library(${name} MODULE ${ARGN})
   set_target_properties(${name} PROPERTIES
@@ -34,7 +34,7 @@ function(assayer_add_module name factory)
   set_property(GLOBAL APPEND PROPERTY ASSAYER_MODULES ${name})
 endfunction()
 
-# assayer_write_plugin_list(DIRECTORY module...): the modules' plugins.list.
+# assayer_write_plugin_list(DIRECTORY module...) writes a plugins.list of the modules.
 function(assayer_write_plugin_list directory)
   foreach(module ${ARGN})
     get_target_property(factory ${module} ASSAYER_FACTORY)
@@ -49,8 +49,8 @@ function(assayer_write_plugin_list directory)
   file(CONFIGURE OUTPUT ${directory}/plugins.list CONTENT "${text}" @ONLY)
 endfunction()
 
-# assayer_make_app_for(TARGET DIRECTORY module...): a directory of its own for a program that loads
-# these modules, which it holds as links.
+# assayer_make_app_for(TARGET DIRECTORY module...) makes an installation directory for a program that
+# loads these modules; it holds links to them.
 function(assayer_make_app_for target directory)
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${directory})
   file(MAKE_DIRECTORY ${directory})
@@ -61,7 +61,7 @@ function(assayer_make_app_for target directory)
   assayer_write_plugin_list(${directory} ${ARGN})
 endfunction()
 
-# To be called when all modules are there.
+# Call it after all modules have been added.
 function(assayer_finish_app)
   get_property(modules GLOBAL PROPERTY ASSAYER_MODULES)
   assayer_write_plugin_list(${ASSAYER_APP_DIR} ${modules})

@@ -1,7 +1,7 @@
 # What an installation holds beside its application directory, and the Debian package of all of it.
 include(GNUInstallDirs)
 install(FILES doc/Assayer.1 doc/assay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-# Laid out as in the sources, so that the links between the documents hold.
+# The same layout as in the sources keeps the links between the documents valid.
 install(FILES README.md ARCHITECTURE.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
 install(FILES doc/protocol.md doc/report.md doc/parent.py DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
 
@@ -20,10 +20,10 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Loads plugin modules and tests codecs in a process of its own, names each before it is touched, and
-tells its parent by records and exit code which can be trusted.")
-# What no link shows, the graphics drivers and the elements of the optional media framework: the same
-# packages that running it from the sources takes.
+"Loads plugin modules and tests codecs in its own process, names each one before it touches it, and
+tells its parent, by records and an exit code, which ones can be trusted.")
+# No link shows these dependencies: graphics drivers, and elements of the optional media framework.
+# They are the packages that scripts/setup.sh installs to run the program from its sources.
 file(STRINGS scripts/packages.list recommends REGEX "^run ")
 list(TRANSFORM recommends REPLACE "^run " "")
 list(JOIN recommends ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS)

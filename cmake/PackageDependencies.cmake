@@ -1,5 +1,5 @@
-# Read by CPack before it makes the package. Its own search would turn all libraries into hard
-# dependencies; those of the optional media framework are only recommended.
+# CPack reads this before it makes the package. CPack's own search would make all libraries hard
+# dependencies, but those of the optional media framework are only recommended.
 file(STRINGS ${CPACK_ASSAYER_APP_FILES} needed)
 set(optional ${needed})
 list(FILTER optional INCLUDE REGEX "/MediaFoundationCodecs\\.so$")
@@ -7,7 +7,7 @@ list(FILTER needed EXCLUDE REGEX "/MediaFoundationCodecs\\.so$")
 list(TRANSFORM needed PREPEND -e)
 list(TRANSFORM optional PREPEND -e)
 
-# The tool insists on a source package's control file in its working directory.
+# dpkg-shlibdeps insists on a source package's control file in its working directory.
 set(work ${CPACK_PACKAGE_DIRECTORY}/shlibdeps)
 file(WRITE ${work}/debian/control "")
 execute_process(

@@ -1,4 +1,4 @@
-# What every target of ours is compiled with: link assayer_settings privately.
+# Compiler settings for all our own targets, which link assayer_settings privately.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
@@ -12,7 +12,7 @@ add_library(assayer_settings INTERFACE)
 target_compile_features(assayer_settings INTERFACE cxx_std_20)
 target_compile_options(assayer_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wundef)
-# Texts of failures tell where they come from: by paths that mean something on other machines too.
+# Failure texts name source files. Relative paths mean something on other machines too.
 target_compile_options(assayer_settings INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   target_compile_options(assayer_settings INTERFACE -Wthread-safety)
@@ -21,15 +21,15 @@ if(ASSAYER_WERROR)
   target_compile_options(assayer_settings INTERFACE -Werror)
 endif()
 
-# Directory-wide, not on the settings target: code compiled without them makes the reports unusable.
+# For the whole directory, not for assayer_settings: reports are useless if any code lacks the flags.
 if(ASSAYER_SANITIZE)
   add_compile_options(-fsanitize=${ASSAYER_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ASSAYER_SANITIZE})
 endif()
 if(ASSAYER_SANITIZE MATCHES "thread")
-  # It doesn't know fences. Where Boost.Asio uses them, locks order the memory as well.
+  # The sanitizer doesn't know fences. Where Boost.Asio uses them, locks order the memory as well.
   add_compile_definitions(BOOST_ASIO_DISABLE_FENCED_BLOCK)
 endif()
 if(ASSAYER_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link)  # the targets are steered by what they cover
+  add_compile_options(-fsanitize=fuzzer-no-link)  # the fuzzers need the coverage of all code
 endif()

@@ -1,5 +1,5 @@
-# assayer_add_folder(FOLDER TARGET): a folder whose targets aren't part of the product; TARGET builds
-# all of them.
+# assayer_add_folder(FOLDER TARGET) adds a folder whose targets aren't part of the product. TARGET
+# builds all of them.
 function(assayer_get_targets folder result)
   get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
   get_property(below DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)

@@ -122,7 +122,7 @@ std::string ToHex(const unsigned char* bytes, std::size_t size) {
     return text;
 }
 
-// Empty where the notes hold none.
+// Empty if there is no such note.
 std::string FindBuildId(const Elf_Data& notes) {
     const auto* bytes = static_cast<const unsigned char*>(notes.d_buf);
     GElf_Nhdr note;

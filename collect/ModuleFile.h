@@ -23,8 +23,8 @@ struct ModuleFile {
 /// without the path, if it isn't a shared object for this kind of machine.
 ModuleFile ReadModuleFile(const boost::filesystem::path& path);
 
-/// The number by which the linker tells builds apart, in hexadecimal digits; empty for a file
-/// without one, and for whatever isn't an ELF file that can be read.
+/// The linker's build id in hexadecimal digits, which differs from build to build. Empty if the
+/// file has none, can't be read or isn't an ELF file.
 std::string ReadBuildId(const boost::filesystem::path& path);
 
 }  // namespace Tarnex::Collect

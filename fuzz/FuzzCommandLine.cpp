@@ -1,4 +1,4 @@
-// The input is the arguments behind the program's name, each ended by a zero byte.
+// The input holds the arguments after the program's name, each ended by a zero byte.
 
 #include <glog/logging.h>
 #include <unistd.h>
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string input(reinterpret_cast<const char*>(data), size);
     if (input.find('/') != std::string::npos) {
-        return 0;  // list files have a target of their own, and the machine's devices none
+        return 0;  // no paths: list files have their own target, and devices must not be opened
     }
     std::vector<std::string> arguments = Split(input);
     std::vector<char*> argv;

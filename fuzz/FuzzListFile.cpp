@@ -1,4 +1,4 @@
-// A list file of either form: what is read is written and read back the same.
+// A list file of either format. Writing what was read and reading it again must change nothing.
 
 #include "core/support/BrokenCodecs.h"
 #include "core/support/Exception.h"
@@ -26,7 +26,7 @@ void TryForm(const std::string& input, FormatType format) {
     const std::string text = ModuleOptionsToString(lists, format);
     Require(Read(text, format) == lists);
     if (format == FormatType::Codecs) {
-        // A key without codecs names nothing that is broken.
+        // A key without codecs doesn't count.
         std::erase_if(lists, [](const auto& list) { return list.second.empty(); });
         Require(static_cast<const CodecLists&>(BrokenCodecs(text)) == lists);
     }

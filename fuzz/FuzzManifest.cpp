@@ -1,4 +1,4 @@
-// A manifest that stands in an LV2 bundle.
+// The manifest of an LV2 bundle.
 
 #include <boost/filesystem/path.hpp>
 

@@ -1,4 +1,4 @@
-// A file that stands among modules.
+// A file among modules.
 
 #include "collect/ModuleFile.h"
 #include "core/support/Exception.h"

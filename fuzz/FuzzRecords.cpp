@@ -1,4 +1,4 @@
-// What a process writes: the records are the same however it is cut into pieces.
+// The output of a process. Its records mustn't depend on how it is cut into pieces.
 
 #include <vector>
 
@@ -10,7 +10,7 @@ namespace {
 using Tarnex::Parent::Record;
 using Tarnex::Parent::RecordReader;
 
-/// In pieces of a size each, which comes from a list of sizes.
+/// Reads pieces of the given sizes.
 std::vector<std::string> Read(std::string_view text, std::string_view sizes) {
     std::vector<std::string> found;
     RecordReader reader([&](const Record& record) {

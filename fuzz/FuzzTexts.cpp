@@ -1,4 +1,4 @@
-// Short texts: ids of codec tests, option lists, plugin names, arguments of any bytes.
+// Short texts: ids of codec tests, option lists, plugin names, arguments with any bytes.
 
 #include "core/support/BrokenCodecs.h"
 #include "core/support/BrokenPlugins.h"

@@ -10,7 +10,7 @@
 
 namespace Tarnex::Fuzz {
 
-/// A file that holds the input and lies in memory.
+/// A file in memory that holds the input.
 class MemoryFile {
 public:
     MemoryFile(const std::uint8_t* data, std::size_t size) : fd(memfd_create("input", 0)) {
@@ -29,7 +29,7 @@ private:
     int fd;
 };
 
-/// Ends the process, which is a finding, unless the condition holds.
+/// Aborts unless the condition holds. The fuzzer reports that.
 inline void Require(bool condition) {
     if (!condition) {
         std::abort();

@@ -91,7 +91,7 @@ private:
         std::make_shared<ComputingResourceManager>();
     mutable Mutex mutex;
     std::shared_future<void> start TARNEX_GUARDED_BY(mutex);
-    // Set while the core is up.
+    // Null unless the core is started.
     std::shared_ptr<const StartedModules> modules TARNEX_GUARDED_BY(mutex);
 };
 

@@ -13,7 +13,7 @@ namespace Tarnex::Platform {
 /// thread may read the environment. Returns false if the system refuses the name or the value.
 bool SetEnvironment(const std::string& name, const std::string& value);
 
-/// All variables of this process, as "NAME=value", except those that begin with one of these texts.
+/// All variables of this process as "NAME=value", except those that begin with one of `beginnings`.
 [[nodiscard]] std::vector<std::string> GetEnvironmentWithout(
     const std::vector<std::string>& beginnings);
 

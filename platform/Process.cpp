@@ -28,16 +28,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds KILL_TIME{5};
-/// For a child that is being killed while it forks: its own child has to be found in turn.
+/// Between two rounds of kills: a child that is killed while it forks leaves another child.
 constexpr int SWEEP_MILLISECONDS = 10;
-/// Bytes: a process that never stops writing doesn't keep its reader from the time.
+/// In bytes, so that a process that never stops writing doesn't keep its reader busy.
 constexpr std::size_t MAX_READ = 1'000'000;
 
 [[noreturn]] void Fail(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A copy beyond the standard streams, which the keeper replaces.
+/// Copies the descriptor above the standard streams, which the keeper replaces.
 Descriptor Raise(const Descriptor& low) {
     Descriptor high(fcntl(low.Get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     if (high.Get() < 0) {
@@ -70,7 +70,7 @@ std::vector<char*> Pointers(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// Two fields of /proc/PID/stat; the name before them may hold anything.
+/// Two fields of /proc/PID/stat. They follow the process's name, which may contain anything.
 struct ProcessState {
     explicit ProcessState(const std::string& pid) {
         std::ifstream file("/proc/" + pid + "/stat");
@@ -81,7 +81,7 @@ struct ProcessState {
         }
     }
 
-    /// The kernel's PF_EXITING: its end is decided, though it can't be waited for yet.
+    /// The kernel's PF_EXITING: the process is ending, though it can't be waited for yet.
     bool IsExiting() const { return (flags & 4U) != 0; }
 
     pid_t parent = 0;
@@ -100,7 +100,7 @@ std::vector<pid_t> FindChildren() {
     return children;
 }
 
-/// The process between: it starts the program, waits for its end, and ends what it left.
+/// The process in between: starts the program, waits for its end, and ends what it left behind.
 class Keeper {
 public:
     Keeper(const ProcessStart& start, int control, int report, int error, int output)
@@ -120,7 +120,7 @@ public:
     }
 
 private:
-    /// Nothing that reaches the owner reaches the keeper, and it holds no pipe of other runs open.
+    /// Shields the keeper from the owner's signals, and closes the pipes of other runs.
     void LeaveOwner() {
         setsid();
         sigset_t all;
@@ -149,7 +149,7 @@ private:
         }
     }
 
-    /// One byte, because for none at all a program that takes core dumps is started all the same.
+    /// Not zero bytes, because the kernel then still starts a program that collects core dumps.
     static void LimitCore() {
         const rlimit limit{1, 1};
         setrlimit(RLIMIT_CORE, &limit);
@@ -206,7 +206,7 @@ private:
         close(output);
     }
 
-    /// False once there are no descendants any more.
+    /// False once there are no descendants left.
     bool Await(int milliseconds) {
         std::array<pollfd, 2> events{{{children, POLLIN, 0}, {control, POLLIN, 0}}};
         poll(events.data(), told ? 1 : events.size(), milliseconds);
@@ -232,7 +232,7 @@ private:
         return ended == 0;
     }
 
-    /// Who loses its parent becomes our child, so killing children again and again reaches all.
+    /// Kills children again and again: an orphan becomes our child, so that reaches all of them.
     void EndDescendants() {
         if (!Reap()) {
             return;
@@ -354,7 +354,7 @@ std::optional<ProcessReport> Process::TakeReport() {
     if (size < 0) {
         return std::nullopt;
     }
-    if (size == 0) {  // Somebody killed the keeper.
+    if (size == 0) {  // The keeper was killed.
         result.status = SIGKILL;
         result.time = Clock::now();
     }

@@ -10,7 +10,7 @@
 
 namespace Tarnex::Platform {
 
-/// A descriptor that is closed with its owner.
+/// Owns a file descriptor.
 class Descriptor {
 public:
     Descriptor() = default;
@@ -20,64 +20,64 @@ public:
     ~Descriptor() { Close(); }
 
     void Close();
-    int Get() const { return value; }  ///< -1: none
+    int Get() const { return value; }  ///< -1 if there is none
 
 private:
     int value = -1;
 };
 
 struct ProcessStart {
-    std::string program;  ///< a path
+    std::string program;  ///< its path
     std::vector<std::string> arguments;
-    std::vector<std::string> environment;  ///< "NAME=value", all of it
-    bool keepOutput = false;               ///< standard output on a pipe; else it goes nowhere
+    std::vector<std::string> environment;  ///< all variables, as "NAME=value"
+    bool keepOutput = false;               ///< else standard output is discarded
 };
 
-/// How a process went.
+/// How a process ended.
 struct ProcessReport {
-    int status;                                  ///< as `waitpid` gives it
-    int startError;                              ///< an errno if there was no start, else 0
-    bool ended;                                  ///< by `Process::End`
-    std::chrono::steady_clock::time_point time;  ///< of the exit
-    char survivors[256];  ///< pids and names of what SIGKILL didn't end; empty if there are none
+    int status;                                  ///< as `waitpid` returns it
+    int startError;                              ///< why it didn't start, as an errno; else 0
+    bool ended;                                  ///< whether `Process::End` ended it
+    std::chrono::steady_clock::time_point time;  ///< when it ended
+    char survivors[256];  ///< pids and names of processes that survived SIGKILL; usually empty
 };
 
-/// A process with all its descendants, also those that leave its process group, its session or
-/// their own parents. None of them outlives the report, the owner of this object or the owner's
-/// process, whatever ends it; what doesn't end within five seconds of SIGKILL is named and left.
+/// A process with all its descendants, even those that leave its process group, its session or
+/// their parents. None of them outlives the report, this object or the owner's process, whatever
+/// ends it. The only exception: a process that doesn't end within five seconds of SIGKILL is left
+/// alone, and the report names it.
 ///
-/// It has a keeper between itself and the caller: a small process that the orphans fall to, and
-/// that ends them all. Not started while the caller's process has other threads.
+/// A keeper stands between the process and the caller: a small process that adopts the orphans and
+/// ends them all. Don't create a `Process` while the caller's process has other threads.
 ///
-/// The process leads a process group in a session without a terminal, in a fresh, empty working
-/// directory that is removed in the end, has no signal blocked or ignored, /dev/null as standard
-/// input, and leaves no core file.
+/// The process leads a process group in a session without a terminal. Its working directory is new
+/// and empty, and is removed at the end. It has no signals blocked or ignored and /dev/null as
+/// standard input, and it leaves no core file.
 class Process {
 public:
-    /// Throws `std::system_error` if there is no pipe or no keeper to be had.
+    /// Throws `std::system_error` if a pipe or the keeper can't be created.
     explicit Process(const ProcessStart& start);
-    /// Ends it and waits for that.
+    /// Ends the process and waits until it has ended.
     ~Process();
 
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// Adds what becomes readable when there is something to read or to report.
+    /// Adds the descriptors that become readable once there is something to read or to report.
     void AddTo(std::vector<pollfd>& descriptors) const;
 
-    /// What can be read now, a bounded part of it, of standard error and of standard output.
-    /// Doesn't wait.
+    /// Reads what standard error (standard output) holds now, up to a limit. Doesn't wait.
     std::string ReadError() { return Read(error); }
     std::string ReadOutput() { return Read(output); }
 
-    /// Whether nobody holds standard error open any more.
+    /// Whether no process holds standard error open any more.
     bool HasClosedError() const { return error.Get() < 0; }
 
-    /// None while it is running. Descendants may write until then.
+    /// None while the process is running. Descendants may write until there is a report.
     std::optional<ProcessReport> TakeReport();
     ProcessReport AwaitReport();
 
-    /// Tells the keeper to end it; the report follows.
+    /// Makes the keeper end the process. The report follows.
     void End() { control.Close(); }
 
 private:
@@ -86,11 +86,11 @@ private:
     Descriptor error;
     Descriptor output;
     Descriptor report;
-    Descriptor control;  ///< once it is closed, the keeper ends everything
+    Descriptor control;  ///< the keeper ends everything once this is closed
     pid_t keeper = -1;
 };
 
-/// "SIGSEGV" for 11.
+/// The name of a signal, such as "SIGSEGV" for 11.
 std::string SignalName(int signal);
 
 }  // namespace Tarnex::Platform

@@ -19,7 +19,7 @@ void EndAtOnce(int) {
 
 void EndProcess(int code) {
     exitCode = code;
-    // Each is the end of a fault "hang-then-..." in the tests of whole processes.
+    // For each there is a fault "hang-then-..." in the process tests.
     for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
         std::signal(fault, EndAtOnce);
     }

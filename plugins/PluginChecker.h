@@ -22,7 +22,7 @@ public:
     /// on.
     void Check();
 
-    /// The broken plugins, in the order of their failures.
+    /// The broken plugins in the order of their failures, without those whose failure is tolerated.
     std::vector<std::string> GetBrokenPlugins() const { return brokenPlugins; }
 
     /// All failure texts, one after the other.

@@ -1,6 +1,6 @@
 #!/bin/bash
-# What the release tests alone don't show: formatting, the borders between the folders, static analysis
-# with the other compiler's warnings, the tests under the sanitizers, a short run of each fuzz target.
+# Checks what the release tests don't show: formatting, includes between folders, static analysis with
+# another compiler's warnings, the tests under the sanitizers, and a short run of each fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh build run test bench check

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds each #include of ours against the table of ARCHITECTURE.md, which says what a folder may call."""
+"""Checks each of our #includes against the table in ARCHITECTURE.md of what a folder may include."""
 
 import re
 import subprocess
@@ -12,7 +12,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 
 
 def folder_of(path, folders):
-    """The most specific folder of the table that holds the file; none if it is in none."""
+    """The most specific folder of the table that holds the file, or None."""
     parents = [parent.as_posix() for parent in Path(path).parents]
     return next((parent for parent in parents if parent in folders), None)
 

@@ -9,11 +9,11 @@ fuzzers="$here/../build/fuzz/fuzz"
 for corpus in "$here"/../fuzz/corpus/*; do
     target="$(basename "$corpus")"
     found="$(mktemp -d)"
-    # A small shared object is the seed of what reads such files.
+    # Fuzzing a reader of shared objects needs a valid one as the seed.
     [ "$target" != FuzzModuleFile ] || cp "$fuzzers/seed.so" "$found/"
     echo "$target: $runs runs"
     "$fuzzers/$target" -runs="$runs" -seed=1 -max_len=65536 -verbosity=0 \
         -artifact_prefix="$fuzzers/$target-" "$found" "$corpus" 2>"$found.log" ||
-        { cat "$found.log" >&2; echo "$target: a finding, kept as $fuzzers/$target-*" >&2; exit 1; }
+        { cat "$found.log" >&2; echo "$target found a fault; its input is $fuzzers/$target-*" >&2; exit 1; }
     rm -rf "$found" "$found.log"
 done

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Sets up, builds and runs the main job: Assayer with the given arguments, or a check of all plugins
-# and of the codecs that most media files use. Ends with Assayer's exit code.
+# Sets up, builds and runs Assayer with the given arguments; without arguments, checks all plugins and
+# the codecs that most media files use. Ends with Assayer's exit code.
 set -euo pipefail
 here="$(cd "$(dirname "$0")" && pwd)"
 "$here/setup.sh" build run

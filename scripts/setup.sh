@@ -1,6 +1,6 @@
 #!/bin/bash
-# Installs the Debian packages of the given groups (see packages.list) that aren't installed yet, as
-# root or with sudo. Usage: setup.sh GROUP...
+# Installs missing Debian packages of the given groups (see packages.list), as root or with sudo.
+# Usage: setup.sh GROUP...
 set -euo pipefail
 
 list="$(dirname "$0")/packages.list"
@@ -16,7 +16,7 @@ done
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
     command -v sudo >/dev/null || {
-        echo "These packages are missing, and neither root nor sudo is at hand: ${missing[*]}" >&2
+        echo "These packages are missing, and installing them needs root or sudo: ${missing[*]}" >&2
         exit 1
     }
     as_root=(sudo)

@@ -17,7 +17,7 @@ struct ImplNames {
 
 /// Creates coders of the started codec modules. Thread-safe. Each `Create` operation returns the
 /// coder, or null if no started module offers it. It throws if the coder can't be created. It never
-/// replaces the requested implementation by another one.
+/// replaces the requested implementation with another one.
 class TARNEX_TYPE ICodecFactory : public virtual IRefCountable {
 public:
     virtual Pointer<IStreamVideo> CreateVideoDecoder(const Pointer<ICodedStream>& input,

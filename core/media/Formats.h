@@ -19,7 +19,7 @@ class TARNEX_TYPE IFormat : public virtual IRefCountable {
 public:
     virtual Property GetProperty() const = 0;
     virtual void SetProperty(Property property) = 0;
-    /// For whoever writes containers; nothing here reads it.
+    /// The name of a container. This core doesn't use it.
     virtual void SetContainerName(const std::string& name) = 0;
 };
 
@@ -49,7 +49,7 @@ public:
     virtual void SetPixelFormat(PixFmt format) = 0;
     virtual FrameRate GetFrameRate() const = 0;
     virtual void SetFrameRate(int numerator, int denominator) = 0;
-    /// For whoever tells a picture from a film; nothing here does.
+    /// Whether the stream is a single picture. This core doesn't use it.
     virtual void SetImageFlag(bool isImage) = 0;
     virtual ColorSpace GetColorSpace() const = 0;
     virtual void SetColorSpace(const ColorSpace& space) = 0;

@@ -35,7 +35,7 @@ public:
     virtual std::vector<std::string> GetCodecs(Core::CoderType type) = 0;
 
     /// Create a decoder for the codec of `input`, or an encoder for the codec that `property`
-    /// names; never a coder for another codec. Throw with the reason if it can't be created.
+    /// names; never a coder for another codec. They throw the reason if it can't be created.
     virtual Proc::Pointer<Proc::IStreamVideo> CreateVideoDecoder(
         const Proc::Pointer<Proc::ICodedStream>& input) = 0;
     virtual Proc::Pointer<Proc::IStreamAudio> CreateAudioDecoder(

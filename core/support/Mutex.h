@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-// What a mutex guards is stated by these, and clang checks it. Other compilers can't.
+// States what a mutex guards. Clang checks that; other compilers can't.
 #if defined(__clang__)
 #define TARNEX_THREAD_SAFETY(attribute) __attribute__((attribute))
 #else
@@ -12,7 +12,7 @@
 
 namespace Tarnex::Core {
 
-/// A `std::mutex` that the check knows.
+/// A `std::mutex` that the check understands.
 class TARNEX_THREAD_SAFETY(capability("mutex")) Mutex {
 public:
     void lock() TARNEX_THREAD_SAFETY(acquire_capability()) { mutex.lock(); }
@@ -22,7 +22,7 @@ private:
     std::mutex mutex;
 };
 
-/// Holds a mutex for its scope.
+/// Locks a mutex for the duration of its scope.
 class TARNEX_THREAD_SAFETY(scoped_lockable) Lock {
 public:
     explicit Lock(Mutex& mutex) TARNEX_THREAD_SAFETY(acquire_capability(mutex)) : mutex(mutex) {

@@ -98,7 +98,7 @@ TEST_F(CollectTest, KindsAndReasonsComeFromTheFileItself) {
     EXPECT_EQ(seen, expected);
 }
 
-TEST_F(CollectTest, AFolderOfOneKindClaimsWhatHasNoEntryPoint) {
+TEST_F(CollectTest, ModulesWithoutEntryPointAreOfTheirFoldersKind) {
     Put("filter.so", FILTER);
     Put("none.so", nullptr);
     const Findings findings = Find(EFFECT);
@@ -107,7 +107,7 @@ TEST_F(CollectTest, AFolderOfOneKindClaimsWhatHasNoEntryPoint) {
     EXPECT_EQ(findings.modules[1].kind, EFFECT);
 }
 
-TEST_F(CollectTest, OfABundleComesWhatItsManifestCallsAPluginsBinary) {
+TEST_F(CollectTest, OnlyPluginBinariesOfBundlesAreFound) {
     PutBundle("one.lv2",
               "<urn:a> a l:Plugin ; l:binary <plug%20in.so> . <urn:b> l:binary <./plug%20in.so> ."
               "<urn:c> a ui:X11UI ; l:binary <window.so> . <urn:d> ui:binary <old-window.so> .",
@@ -148,7 +148,7 @@ TEST_F(CollectTest, OfABundleComesWhatItsManifestCallsAPluginsBinary) {
     EXPECT_EQ(reasons, expected);
 }
 
-TEST_F(CollectTest, UpdatesOnlyWhatIsItsOwn) {
+TEST_F(CollectTest, UpdatesOnlyItsOwnEntries) {
     fs::save_string_file(
         app / "plugins.list",
         "\xEF\xBB\xBF"
@@ -176,7 +176,7 @@ TEST_F(CollectTest, UpdatesOnlyWhatIsItsOwn) {
     EXPECT_THROW(Update(), Exception);
 }
 
-TEST_F(CollectTest, NamesAreUniqueAndLast) {
+TEST_F(CollectTest, NamesAreUniqueAndStay) {
     fs::save_string_file(app / "Ours.so", "a module of the program's own");
     Put("Ours.so", EFFECT);
     Put("odd n\xC3\xA4me,.so", EFFECT);

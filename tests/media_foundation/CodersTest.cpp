@@ -6,8 +6,8 @@
 #include "core/support/Exception.h"
 #include "tests/modules/Coders.h"
 
-// x265 doesn't free all of what its encoders allocate, and GLib gives up a table that it makes when
-// it is loaded. The latter shows only in full call stacks.
+// x265 leaks parts of its encoders, and GLib a table that it creates when it is loaded. The latter
+// shows only in full call stacks.
 extern "C" TARNEX_API const char* __lsan_default_suppressions() {
     return "leak:libx265.so\nleak:call_init\n";
 }
@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char* IMPLEMENTATION = Proc::ImplNames::MEDIA_FOUNDATION;
 
-/// The synthetic picture is a ramp from dark to bright, which a coder keeps by and large.
+/// The synthetic picture is a ramp from dark to bright, which coding roughly keeps.
 bool IsPicture(const Proc::IFrameVideo& frame, int width) {
     const Proc::Plane& luma = frame.GetPlanes()[0];
     const std::uint8_t* row = luma.data + static_cast<std::ptrdiff_t>(luma.stride) * 50;
@@ -46,10 +46,10 @@ std::string CheckPacket(const std::string& codecId) {
     return isFirst ? "" : "no first packet";
 }
 
-/// The decoder is read again after a seek.
+/// Reads the decoder again after a seek.
 std::string CheckFrames(const std::string& codecId, const char* encoder) {
     const auto decoder = Decode(Encode(codecId, encoder), IMPLEMENTATION);
-    for (int pass = 0; pass < 2; ++pass) {
+    for (int round = 0; round < 2; ++round) {
         decoder->Seek(0, nullptr);
         const auto frame = decoder->ReadNext();
         const auto* const picture = dynamic_cast<const Proc::IFrameVideo*>(frame.get());
@@ -63,7 +63,7 @@ std::string CheckFrames(const std::string& codecId, const char* encoder) {
     return {};
 }
 
-TEST(Coders, GiveWhatWasEncoded) {
+TEST(Coders, ReturnWhatWasEncoded) {
     for (const std::string& id : Factory()->GetEncoderCodecs(IMPLEMENTATION)) {
         EXPECT_EQ(CheckPacket(id), "") << id;
         EXPECT_EQ(CheckFrames(id, IMPLEMENTATION), "") << id;

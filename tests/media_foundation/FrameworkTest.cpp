@@ -13,7 +13,7 @@ namespace {
 bool isFrameworkBroken = false;
 }
 
-/// Stands before the framework's own function, which it calls unless the start is to fail.
+/// Replaces the framework's function, and calls it unless the start has to fail.
 extern "C" TARNEX_API gboolean gst_init_check(int* argc, char*** argv, GError** error) {
     if (isFrameworkBroken) {
         g_set_error_literal(error, GST_LIBRARY_ERROR, GST_LIBRARY_ERROR_INIT, "no such luck");
@@ -31,7 +31,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* IMPLEMENTATION = Proc::ImplNames::MEDIA_FOUNDATION;
 
-/// A coded stream of three packets that no decoder can make anything of.
+/// A coded stream of three packets that no decoder can decode.
 class Garbage : public Proc::StreamBase<Proc::ICodedStream> {
 public:
     Garbage(const std::string& codecId, const Bytes& extraData) : StreamBase("Garbage") {
@@ -81,7 +81,7 @@ private:
     int packets = 3;
 };
 
-/// The failure text of a decoder that reads garbage, empty if it takes it.
+/// The failure text of a decoder that reads garbage; empty if it doesn't fail.
 std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
     return ThrownBy([&] { Decode(new Garbage(codecId, extraData), IMPLEMENTATION)->ReadNext(); });
 }
@@ -102,8 +102,8 @@ std::string DecodeGarbage(const std::string& codecId, const Bytes& extraData) {
     std::_Exit(isLazy && gst_is_initialized() != FALSE ? 0 : 1);
 }
 
-TEST(FrameworkDeathTest, StartsWhenItIsAskedAndKeepsQuiet) {
-    ASSERT_NE(std::getenv("GST_REGISTRY"), nullptr) << "the user's own would be removed";
+TEST(FrameworkDeathTest, StartsOnRequestAndQuietly) {
+    ASSERT_NE(std::getenv("GST_REGISTRY"), nullptr) << "the user's own registry would be removed";
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // in a process where nothing has started
     EXPECT_EXIT(UseFrameworkForTheFirstTime(), testing::ExitedWithCode(0), testing::Eq(""));
 }
@@ -124,7 +124,7 @@ TEST(FrameworkDeathTest, StartsWhenItIsAskedAndKeepsQuiet) {
     std::_Exit(failAll ? 0 : 1);
 }
 
-TEST(FrameworkDeathTest, ItsCodersFailOneByOneWhereItDoesNotStart) {
+TEST(FrameworkDeathTest, EachCoderFailsIfItDoesNotStart) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(UseBrokenFramework(), testing::ExitedWithCode(0), "");
 }
@@ -136,7 +136,7 @@ TEST(Framework, GarbageIsAFailureThatNamesTheCodec) {
     }
 }
 
-TEST(Framework, FailuresSayWhatTheElementSays) {
+TEST(Framework, FailuresIncludeTheElementsText) {
     EXPECT_EQ(DecodeGarbage("CODEC_ID_DVVIDEO", {}),
               "The decoder of CODEC_ID_DVVIDEO: dvdec: Could not decode stream. "
               "(Input buffer too small)");

@@ -24,7 +24,7 @@ protected:
         core.WaitUntilInitialized();
     }
 
-    /// The implementation whose module the factory asked, empty if none.
+    /// The implementation of the module that the factory asked; empty if it asked none.
     std::string AskedForEncoder(const std::string& codecId, const char* implementation) {
         const auto preset = Conf::CreateDataHelper(Conf::IPreset::KEY_FILTER_VIDEO_CODEC, codecId);
         const auto factory = core.GetCodecFactory();
@@ -58,7 +58,7 @@ TEST_F(CoreManagerTest, OffersWhatTheStartedModulesOffer) {
     EXPECT_FALSE(Proc::IsVideoCodec("C") || Proc::IsAudioCodec("C"));
 }
 
-TEST_F(CoreManagerTest, LeavesDisabledPluginsOut) {
+TEST_F(CoreManagerTest, DoesNotStartDisabledPlugins) {
     Start({"First"});
     EXPECT_THAT(core.GetCodecFactory()->GetEncoderCodecs("FIRST_IMPL"), IsEmpty());
     EXPECT_EQ(AskedForEncoder("A", nullptr), "SECOND_IMPL");
@@ -73,7 +73,7 @@ std::string OpeningFailure() {
     return "none";
 }
 
-TEST_F(CoreManagerTest, SaysWhyNoParserOpensAFile) {
+TEST_F(CoreManagerTest, GivesAllReasonsWhyNoParserOpensAFile) {
     Start({});
     EXPECT_THAT(OpeningFailure(),
                 MatchesRegex("No module can open some.file; .*int.*; not my format"));
@@ -84,7 +84,7 @@ TEST_F(CoreManagerTest, SaysWhyNoParserOpensAFile) {
     EXPECT_EQ(OpeningFailure(), "No module can open some.file; none is started");
 }
 
-TEST_F(CoreManagerTest, IsUpBetweenStartAndEnd) {
+TEST_F(CoreManagerTest, IsInitializedBetweenStartAndEnd) {
     EXPECT_THROW(core.WaitUntilInitialized(), Exception);
     EXPECT_THROW(core.GetCodecFactory(), Exception);
     Start({});

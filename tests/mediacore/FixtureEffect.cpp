@@ -1,4 +1,4 @@
-// A frei0r effect that gives INIT_RESULT when it is initialised.
+// A frei0r effect whose initialisation returns INIT_RESULT.
 
 extern "C" {
 #include <frei0r.h>

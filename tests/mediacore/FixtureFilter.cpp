@@ -1,5 +1,5 @@
-// A filter module. LADSPA and LV2 are how many filters it describes in each interface, where it has
-// that; the second one lacks an operation. LIBRARY: it describes one by the function for libraries.
+// A filter module. If defined, LADSPA and LV2 give the number of filters that it describes in that
+// interface; the second filter lacks an operation. LIBRARY adds a filter by the library function.
 
 #include <ladspa.h>
 #include <lv2/core/lv2.h>

@@ -12,8 +12,8 @@ namespace {
 
 enum Behaviour { First, Second, BadParser, Parser, Ogl, Refuses, Throws, BadName };
 
-/// Offers the video codec A and, as Second, the audio codec B besides. Its coders are exceptions
-/// that tell who was asked.
+/// Offers the video codec A. As Second it offers the audio codec B too. Creating a coder throws an
+/// exception that names the module.
 class Codecs : public Tarnex::Module::ICodecModule {
 public:
     std::string GetImplementation() const override {

@@ -47,7 +47,7 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
     }
 }
 
-TEST(Modules, AnEffectMayGiveAnyOtherValueThanANegativeOne) {
+TEST(Modules, OnlyANegativeResultRefusesAnEffect) {
     EXPECT_NO_THROW(EffectFactory::TryToLoadModule("Effect"));
 }
 

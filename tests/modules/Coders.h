@@ -9,7 +9,7 @@
 #include "streams/FakeStreamAudio.h"
 #include "streams/FakeStreamVideo.h"
 
-/// Coders of the started core on the program's synthetic streams.
+/// Creates coders of the started core on the program's synthetic streams.
 namespace Tarnex::Tests {
 
 using Proc::Pointer;
@@ -18,7 +18,7 @@ inline Pointer<Proc::ICodecFactory> Factory() {
     return Core::CoreManager::Instance().GetCodecFactory();
 }
 
-/// An encoder of `codecId` on a source of that kind; the fastest settings.
+/// An encoder of `codecId` that reads `source`, with the fastest settings.
 inline Pointer<Proc::ICodedStream> Encode(const std::string& codecId,
                                           const Pointer<Proc::IStream>& source,
                                           const std::string& implementation) {
@@ -51,7 +51,7 @@ inline Pointer<Proc::IStream> Decode(const Pointer<Proc::ICodedStream>& input,
     return Factory()->CreateAudioDecoder(input, implementation);
 }
 
-/// A packet that isn't of any module.
+/// A packet that no module created.
 class ForeignPacket : public Proc::RefCounted<Proc::IPacket> {
 public:
     explicit ForeignPacket(std::vector<std::uint8_t> data) : data(std::move(data)) {}
@@ -64,7 +64,7 @@ private:
     std::vector<std::uint8_t> data;
 };
 
-/// The text of what the action throws, empty if it doesn't.
+/// The text of what the action throws; empty if it doesn't throw.
 template <class Action>
 std::string ThrownBy(Action action) {
     try {

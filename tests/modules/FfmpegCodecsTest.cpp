@@ -19,7 +19,7 @@ namespace {
 using Proc::ImplNames;
 using testing::HasSubstr;
 
-/// What libavcodec itself offers: all ids for which it finds a coder.
+/// All ids for which libavcodec itself finds a coder.
 std::vector<std::string> FindIds(const AVCodec* (*find)(AVCodecID)) {
     std::vector<std::string> ids;
     const AVCodecDescriptor* descriptor = nullptr;
@@ -33,7 +33,7 @@ std::vector<std::string> FindIds(const AVCodec* (*find)(AVCodecID)) {
     return ids;
 }
 
-/// The failure to read what passes `check`. Some coders begin with a frame of silence.
+/// Why no frame passes `check`; empty if one does. Some coders begin with a frame of silence.
 template <class Data>
 std::string Read(const Pointer<Proc::IStream>& coder, bool (*check)(const Data&)) {
     try {
@@ -55,7 +55,7 @@ std::string ReadPacket(const Pointer<Proc::IStream>& encoder) {
                                [](const Proc::IPacket& packet) { return packet.GetSize() > 0; });
 }
 
-/// The synthetic picture is a ramp from dark to bright but for its middle, which survives coding.
+/// The synthetic picture is a ramp from dark to bright, except in the middle; coding keeps that.
 bool IsRamp(const Proc::IFrameVideo& frame) {
     const Proc::Plane& luma = frame.GetPlanes().front();
     const std::uint8_t* row =
@@ -89,13 +89,13 @@ TEST(FfmpegCodecs, OffersWhatLibavcodecHas) {
                 testing::UnorderedElementsAreArray(FindIds(avcodec_find_decoder)));
 }
 
-TEST(FfmpegCodecs, EachEncoderGivesAPacket) {
+TEST(FfmpegCodecs, EachEncoderReturnsAPacket) {
     for (const std::string& id : FindIds(avcodec_find_encoder)) {
         EXPECT_EQ(ReadPacket(Encode(id)), "") << id;
     }
 }
 
-TEST(FfmpegCodecs, EachDecoderTakesWhatTheEncoderGives) {
+TEST(FfmpegCodecs, EachDecoderDecodesItsEncodersOutput) {
     const std::vector<std::string> encoders = FindIds(avcodec_find_encoder);
     for (const std::string& id : FindIds(avcodec_find_decoder)) {
         if (std::find(encoders.begin(), encoders.end(), id) != encoders.end()) {
@@ -114,10 +114,10 @@ TEST(FfmpegCodecs, TestsOfOneCodecRunSideBySide) {
     }
 }
 
-/// Damages the packet of that number in its stream.
+/// Damages the packet with that number in its stream.
 using Damage = void (*)(int number, std::vector<std::uint8_t>& packet);
 
-/// Packets that aren't libav's, in a stream that isn't either.
+/// Packets that libav didn't make, in a stream that isn't libav's either.
 class ForeignStream : public Modules::CoderStream<Proc::ICodedStream> {
 public:
     explicit ForeignStream(Pointer<Proc::ICodedStream> source, Damage damage = nullptr)
@@ -155,7 +155,7 @@ TEST(FfmpegCodecs, DecodesStreamsThatAreNotLibavs) {
     }
 }
 
-TEST(FfmpegCodecs, FailureSaysWhatLibavLogged) {
+TEST(FfmpegCodecs, FailureIncludesLibavsLog) {
     const Damage garble = [](int, std::vector<std::uint8_t>& packet) {
         std::fill(packet.begin(), packet.end(), std::uint8_t{0xA5});
     };
@@ -165,7 +165,7 @@ TEST(FfmpegCodecs, FailureSaysWhatLibavLogged) {
                             "input; libav logged: Invalid PNG signature"));
 }
 
-TEST(FfmpegCodecs, DecodesOnOverACutFrame) {
+TEST(FfmpegCodecs, SkipsATruncatedFrame) {
     const Damage cutFirst = [](int number, std::vector<std::uint8_t>& packet) {
         if (number == 0) {
             packet.erase(packet.begin(), packet.begin() + packet.size() / 2);
@@ -186,7 +186,7 @@ TEST(FfmpegCodecs, NoOutputIsAFailureAfterEachStart) {
     EXPECT_EQ(ThrownBy([&] { input->ReadNext(); }), "Encoder mp2: gave no output");
 }
 
-TEST(FfmpegCodecs, FormatSaysWhatTheFramesAre) {
+TEST(FfmpegCodecs, FormatDescribesTheFrames) {
     const Proc::ColorSpace wide{9, 16, 9};  // BT.2020 with PQ
     const struct {
         const char* id;
@@ -240,7 +240,7 @@ TEST(FfmpegCodecs, RefusesAbsurdFormats) {
     EXPECT_EQ(ThrownBy([&] { Decode(coded); }), "Decoder vp8: can't decode 0x480 pixels");
 }
 
-TEST(NvdecCodecs, SaysWhyWithoutAGpu) {
+TEST(NvdecCodecs, GivesTheReasonWithoutAGpu) {
     EXPECT_THAT(Factory()->GetDecoderCodecs(ImplNames::NVDEC), testing::Contains("CODEC_ID_AV1"));
     try {
         const auto packet = Encode("CODEC_ID_H264", ImplNames::NVDEC)->ReadNext();

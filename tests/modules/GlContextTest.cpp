@@ -3,7 +3,7 @@
 #include "core/support/Exception.h"
 #include "modules/OglManager/GlContext.h"
 
-// An EGL without a configuration for OpenGL, as drivers have it that offer OpenGL ES alone.
+// An EGL without a configuration for OpenGL, as drivers with only OpenGL ES have it.
 extern "C" EGLBoolean eglInitialize(EGLDisplay, EGLint*, EGLint*) {
     return EGL_TRUE;
 }

@@ -2,7 +2,7 @@
 
 #include "core/media/CoreManager.h"
 
-/// The core is started once for all tests, as in the program: modules stay in a process.
+/// Starts the core once for all tests, as the program does: modules stay loaded.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     Tarnex::Core::CoreManager& core = Tarnex::Core::CoreManager::Instance();

@@ -28,8 +28,8 @@ Pointer<Proc::ICodedStream> OpenFirstStream(const std::filesystem::path& file) {
     return Core::ClientAPI::OpenSource(file.string())->GetStream(0);  // outlives its reader
 }
 
-/// A codec's sample is the first whose path holds the codec's id.
-TEST(Samples, EachHoldsTheOneCodecOfItsName) {
+/// A codec's sample is the first file whose path contains the codec's id.
+TEST(Samples, EachHoldsTheCodecInItsName) {
     std::vector<std::string> ids = Factory()->GetDecoderCodecs(Proc::ImplNames::FFMPEG);
     std::set<std::string> all;
     for (const auto& entry : std::filesystem::directory_iterator(SAMPLES)) {
@@ -51,7 +51,7 @@ TEST(Samples, EachHoldsTheOneCodecOfItsName) {
     }
 }
 
-TEST(Samples, AStreamGoesBackToItsBeginning) {
+TEST(Samples, AStreamSeeksToItsBeginning) {
     for (const auto& entry : std::filesystem::directory_iterator(SAMPLES)) {
         const Pointer<Proc::IStream> decoder = Decode(OpenFirstStream(entry.path()));
         const int frames = CountFrames(*decoder);
@@ -60,7 +60,7 @@ TEST(Samples, AStreamGoesBackToItsBeginning) {
     }
 }
 
-/// The text with which opening or writing fails.
+/// The text of a failure to open or write.
 template <class Action>
 std::string FailureOf(Action action) {
     try {
@@ -71,8 +71,8 @@ std::string FailureOf(Action action) {
     }
 }
 
-/// An index at the end of a file is lost with it, and of Ogg so are the pages that aren't complete.
-TEST(Samples, AFileThatBreaksOffIsDecodedAsFarAsItGoes) {
+/// A truncated file loses the index at its end; an Ogg file also loses its incomplete pages.
+TEST(Samples, ATruncatedFileIsDecodedToItsEnd) {
     const std::filesystem::path part = std::filesystem::path(testing::TempDir()) / "part";
     std::set<std::string> decoded;
     for (const auto& entry : std::filesystem::directory_iterator(SAMPLES)) {

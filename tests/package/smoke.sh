@@ -1,11 +1,11 @@
 #!/bin/bash
-# Installs the Debian package in a Debian root directory, as its users would, and runs it there as an
+# Installs the Debian package in a Debian root directory, as users would, and runs it there as an
 # ordinary user. Needs root. Usage: smoke.sh PACKAGE ROOT
 set -euo pipefail
 package="$(realpath "$1")"
 root="$(realpath "$2")"
 
-# Mounts of our own namespace go with it.
+# In a mount namespace of its own, so that the mounts end with the test.
 if [ -z "${SMOKE_NAMESPACE:-}" ]; then
     SMOKE_NAMESPACE=1 exec unshare --mount --propagation private "$0" "$package" "$root"
 fi
@@ -17,7 +17,7 @@ as_root() { chroot "$root" "${environment[@]}" "$@"; }
 as_user() { chroot --userspec=nobody "$root" "${environment[@]}" "$@"; }
 fail() { echo "smoke test: $*" >&2; exit 1; }
 
-# check RECORD ARGUMENT...: Assayer ends with code 0 and wrote the record.
+# check RECORD ARGUMENT... fails unless Assayer ends with code 0 and writes the record.
 check() {
     local record="$1" code=0
     shift
@@ -38,7 +38,7 @@ check '[TEST_CODEC]Decoder.FFMPEG_IMPL.CODEC_ID_H264[/TEST_CODEC]' \
     codecs 60 FFMPEG_IMPL,MEDIA_FOUNDATION_IMPL CODEC_ID_AAC,CODEC_ID_H264
 [ -e "$root/usr/share/man/man1/assay.1" ] || fail "no manual page"
 
-# Somebody's own installation survives an upgrade and tells what is wrong once the package is gone.
+# A user's own installation survives an upgrade; without the package it says what is wrong.
 home="$(as_user mktemp -d)"
 assay() { as_user HOME="$home" assay "$@"; }
 before="$(as_root find /usr/lib/assayer -printf '%p %s %T@ %l\n' | sort)"

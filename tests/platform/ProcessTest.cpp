@@ -17,12 +17,12 @@ Process Shell(const std::string& script) {
     return Process({"/bin/sh", {"-c", script}, {"PATH=/usr/bin:/bin", "SEEN=yes"}, true});
 }
 
-/// Whether a process with this in its command line is alive.
+/// Whether a process with this text in its command line is alive.
 bool IsAlive(const std::string& mark) {
     return std::system(("pgrep -f '[s]leep " + mark + "' >/dev/null").c_str()) == 0;
 }
 
-TEST(Process, TellsHowItEnded) {
+TEST(Process, ReportsHowItEnded) {
     Process exits = Shell("exit 3");
     EXPECT_EQ(WEXITSTATUS(exits.AwaitReport().status), 3);
     Process killed = Shell("kill -TERM $$");
@@ -33,7 +33,7 @@ TEST(Process, TellsHowItEnded) {
     EXPECT_EQ(missing.AwaitReport().startError, ENOENT);
 }
 
-TEST(Process, StartsInAPlaceOfItsOwn) {
+TEST(Process, StartsInACleanEnvironment) {
     Process process =
         Shell("echo $SEEN $(ulimit -c) $(ls | wc -l) $(cat | wc -c); echo err >&2; pwd");
     process.AwaitReport();
@@ -44,7 +44,7 @@ TEST(Process, StartsInAPlaceOfItsOwn) {
     EXPECT_NE(access(folder.substr(0, folder.find('\n')).c_str(), F_OK), 0) << folder;
 }
 
-/// In a session of its own, without a parent, deaf to signals.
+/// A process with its own session, without a parent, that ignores signals.
 constexpr char DETACHED[] = "(setsid sh -c 'trap \"\" TERM HUP INT; exec sleep 7654321' &) &";
 
 TEST(Process, LeavesNoDescendant) {

@@ -1,5 +1,5 @@
-// Says what libavcodec has, by itself: a line "decoder ID" or "encoder ID" for each audio or video
-// codec.
+// Lists libavcodec's codecs without our code: a line "decoder ID" or "encoder ID" for each audio or
+// video codec.
 
 extern "C" {
 #include <libavcodec/avcodec.h>

@@ -1,4 +1,4 @@
-"""Throw-away installation directories for the real program."""
+"""Temporary installation directories for the real program."""
 
 import os
 import re
@@ -10,7 +10,7 @@ from pathlib import Path
 
 import pytest
 
-# The parent of the documentation is the one that the tests use.
+# The tests use the parent from the documentation.
 sys.path.insert(0, str(Path(__file__).parents[2] / "doc"))
 
 APP = Path(os.environ["ASSAYER_APP"])
@@ -18,7 +18,7 @@ FIXTURES = Path(os.environ["ASSAYER_FIXTURES"])
 SANITIZED = os.environ.get("ASSAYER_SANITIZE")
 VARIANTS = {"no-entry-point": "NoEntryPoint", "undefined-symbol": "UndefinedSymbol"}
 
-# A sanitizer turns a signal into a report and an exit code of its own.
+# A sanitizer turns signals into reports and exits with its own code.
 not_sanitized = pytest.mark.skipif(bool(SANITIZED), reason="signals and times belong to plain builds")
 
 
@@ -28,7 +28,7 @@ class Result:
         self.code, self.out, self.err = process.returncode, out, err
 
     def records(self, without=("STATISTICS", "WARNING")):
-        """The tagged lines as (tag, message), in order."""
+        """All records as (tag, message), in order."""
         found = re.findall(r"\[([A-Z_]+)\](.*?)\[/\1\]", self.err, re.DOTALL)
         return [record for record in found if record[0] not in without]
 
@@ -75,7 +75,7 @@ class Program:
 
 
 class Installation(Program):
-    """A throw-away directory with the program and the modules that a test puts there."""
+    """A temporary directory with the program and the modules that a test adds."""
 
     def __init__(self, directory):
         super().__init__(directory)
@@ -86,7 +86,7 @@ class Installation(Program):
         self.write_list()
 
     def add(self, *names, factory="CodecFactory"):
-        """Fixture modules, each under a name that says how it misbehaves."""
+        """Adds fixture modules; their names say how they misbehave."""
         for name in names:
             source = FIXTURES / (VARIANTS.get(name.split(".")[0], "Misbehaving") + ".so")
             shutil.copy(source, self.directory / f"{name}.so")
@@ -97,7 +97,7 @@ class Installation(Program):
         self.enlist(factory, name)
 
     def add_shipped(self, factory, name):
-        """A module as it is installed."""
+        """Adds a module as it is installed."""
         self.link(APP / f"{name}.so", name)
         if factory:
             self.enlist(factory, name)
@@ -128,5 +128,5 @@ def installation(tmp_path):
 
 @pytest.fixture
 def shipped():
-    """The program with the modules that come with it."""
+    """The program with the modules that it ships with."""
     return Program(APP)

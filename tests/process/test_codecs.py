@@ -26,7 +26,7 @@ def check(installation, *codecs, rest=("-",) * 6, kind="codecs", limit="60"):
     return installation.run(kind, limit, IMPL, ",".join(codecs), *rest)
 
 
-# What the ERROR line of a bad decoder and of a bad encoder says.
+# Text in the ERROR record of a bad decoder or encoder.
 FAILURES = {
     "DECODER_GIVES_NOTHING": ("Decoder", "Cannot create decoder : Decoder.FFMPEG_IMPL.CODEC_ID_DECODER_GIVES_NOTHING"),
     "DECODER_THROWS_STD": ("Decoder", "std reason"),
@@ -79,7 +79,7 @@ def test_known_broken_and_last_failed(bad_codecs):
 
 
 @pytest.mark.parametrize(
-    "last, passes",
+    "last, rounds",
     [
         ("Encoder.I.X", ["Encoder"]),
         ("Encoder.FFMPEG_IMPL.CODEC_ID_GOOD_0, Encoder.I.X", []),
@@ -87,13 +87,13 @@ def test_known_broken_and_last_failed(bad_codecs):
         ("Decoder.FFMPEG_IMPL.CODEC_ID_GOOD_0", ["Encoder"]),
     ],
 )
-def test_passes_that_a_resumed_run_makes(bad_codecs, last, passes):
+def test_rounds_of_a_resumed_run(bad_codecs, last, rounds):
     result = check(bad_codecs, OK[0], rest=("-", "-", "-", "-", last))
     assert result.code == 0, result
-    assert [t.split(".")[0] for t in result.of("TEST_CODEC")] == passes
+    assert [t.split(".")[0] for t in result.of("TEST_CODEC")] == rounds
 
 
-def test_what_is_no_codec_test_is_told(bad_codecs):
+def test_malformed_test_ids_are_reported(bad_codecs):
     result = check(bad_codecs, OK[0], rest=("-", "-", "-", "-", "Encoder.X"))
     assert result.code == 4 and '"Encoder.X"' in result.of("ERROR")[0], result
     bad = bad_codecs.file("bad", "Codecs.Encode.X: Y\n")
@@ -101,7 +101,7 @@ def test_what_is_no_codec_test_is_told(bad_codecs):
     assert result.code == 4 and bad in result.of("ERROR")[0], result
 
 
-def test_module_that_cannot_list_its_codecs_is_told(bad_codecs):
+def test_module_that_cannot_list_its_codecs_is_reported(bad_codecs):
     bad_codecs.add("throws-in-list")
     result = bad_codecs.run("codecs", "60", f"{IMPL},NONE_IMPL", OK[0])
     assert result.code == 4 and re.search("NONE_IMPL.*list reason", result.of("ERROR")[-1], re.DOTALL), result
@@ -113,7 +113,7 @@ def test_disabled_and_broken_plugins_offer_nothing(bad_codecs):
     known = bad_codecs.file("known", "Plugins.A: BadCodecs\n")
     disabled = check(bad_codecs, *OK, rest=("BadCodecs , nobody",), kind="all")
     reported = check(bad_codecs, *OK, rest=("-", known), kind="all")
-    bad_codecs.enlist("MuxerFactory", "BadCodecs")  # it has no muxer
+    bad_codecs.enlist("MuxerFactory", "BadCodecs")  # fails: the module has no muxer
     found = check(bad_codecs, *OK, kind="all")
     assert [result.code for result in (disabled, reported, found)] == [0, 7, 7]
     for result in (disabled, reported, found):

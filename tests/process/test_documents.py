@@ -1,4 +1,4 @@
-"""What documents repeat of the sources, because people look there."""
+"""Documents repeat some facts of the sources, for readers who look there."""
 
 import re
 from pathlib import Path
@@ -21,7 +21,7 @@ MEANINGS = {
 
 
 def rows_of(document):
-    """Each code's text in the document's table of exit codes."""
+    """The text for each code in the document's table of exit codes."""
     text = (ROOT / document).read_text()
     if document.endswith(".md"):
         [table] = [block for block in text.split("\n\n") if "\n| 0 |" in block]

@@ -30,7 +30,7 @@ def test_a_file_for_each_severity_and_none_is_touched_again(installation, tmp_pa
     before = {path: path.read_bytes() for path in first}
     result = installation.run("plugins", "60", environment=environment)
     assert len(log_files(tmp_path)) == 6 and {path: path.read_bytes() for path in first} == before
-    # Warnings go to the files alone.
+    # Warnings only go to the files.
     assert result.of("WARNING") == [] and "Can't find plugin absent" in text_of(tmp_path, "WARNING")
     assert "Can't find plugin absent" not in text_of(tmp_path, "ERROR")
 
@@ -81,7 +81,7 @@ def test_files_are_complete_up_to_the_culprit(installation, tmp_path, name, end)
         assert text.endswith(f"[LOAD_PLUGIN_NAME]{name}[/LOAD_PLUGIN_NAME]\n"), text
 
 
-def test_runs_at_once_each_have_their_files(installation, tmp_path):
+def test_simultaneous_runs_have_their_own_files(installation, tmp_path):
     installation.add("good.1", "throws-std")
     with ThreadPoolExecutor(5) as pool:
         runs = [

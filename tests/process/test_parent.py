@@ -1,4 +1,4 @@
-"""The parent's loop over installations full of modules and codecs that end the process."""
+"""The parent's loop on installations full of modules and codecs that end the process."""
 
 import random
 

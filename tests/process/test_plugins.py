@@ -16,7 +16,7 @@ def load(name):
     return ("LOAD_PLUGIN_NAME", name)
 
 
-def test_good_modules_leave_no_mark_and_are_shut_down_last_first(installation):
+def test_good_modules_are_not_reported_and_shut_down_last_first(installation):
     installation.add("good.1", "floods", "good.2", "throws-in-shutdown")
     result = installation.run("plugins", "60")
     assert result.code == 0, result
@@ -76,7 +76,7 @@ def test_order_of_the_factories_and_a_start_of_opengl_with_its_stop(installation
 
 def test_known_missing_tolerated_and_skipped_plugins(installation):
     installation.add("good.1", "throws-std.1", "good.1", factory="CodecFactory")
-    installation.add("good.2", factory="MuxerFactory")  # has codecs alone
+    installation.add("good.2", factory="MuxerFactory")  # fails: the module has only codecs
     installation.enlist("ParserFactory", "absent")
     installation.link("/dev/null", "MediaFoundationCodecs")
     installation.enlist("CodecFactory", "MediaFoundationCodecs")
@@ -85,7 +85,7 @@ def test_known_missing_tolerated_and_skipped_plugins(installation):
     assert result.code == 7, result
     assert result.of("WARNING") == ["Can't find plugin absent"], result
     records = result.records()
-    # The resume point is the first of the two plugins of that name.
+    # Two plugins have this name; the first is the resume point.
     assert records[:4] == [
         ("PLUGINS", "throws-std.1"),
         ("ERROR", "throws-std.1: \nTest Error\n"),
@@ -159,7 +159,7 @@ LISTS = {
 
 
 @pytest.mark.parametrize("case", LISTS)
-def test_malformed_plugin_list_is_told(installation, case):
+def test_malformed_plugin_list_is_reported(installation, case):
     text, place = LISTS[case]
     installation.file("plugins.list", text)
     result = installation.run("plugins", "60")
@@ -169,7 +169,7 @@ def test_malformed_plugin_list_is_told(installation, case):
     assert result.of("LOADED_PLUGINS") == []
 
 
-def test_what_cannot_be_run_is_told(installation):
+def test_impossible_runs_are_reported(installation):
     (installation.directory / "plugins.list").unlink()
     bad = installation.file("bad", "Plugins.A: x\nCodecs.Decoder.A: x\n")
     folder = str(installation.directory)
@@ -189,7 +189,7 @@ def test_what_cannot_be_run_is_told(installation):
         assert ("Can't find path: /no/such" in result.of("WARNING")) == ("/no/such" in arguments), result
 
 
-def test_arguments_that_are_not_utf8_are_carried(installation):
+def test_arguments_may_have_any_bytes(installation):
     name = b"/no/such/\xff\xed\xa0\x80\xc3\xa4"
     result = installation.run("plugins", "60", "", "", "", name)
     assert result.of("WARNING")[0] == "Can't find path: " + os.fsdecode(name), result

@@ -65,7 +65,7 @@ def test_a_sample_of_another_codec_is_no_input(installation):
     assert result.of("ERROR") == ["CODEC_ID_VP9 stream not found"], result
 
 
-def test_a_last_failed_test_is_left_out_in_its_implementation_alone(shipped):
+def test_a_last_failed_test_is_skipped_only_in_its_implementation(shipped):
     last = f"Decoder.{FFMPEG}.CODEC_ID_H264"
     result = shipped.run("codecs", "60", f"{FFMPEG},{NVDEC}", ids(["H264"]), *"----", last)
     tested = {f"{kind}.{impl}.CODEC_ID_H264" for kind in ("Decoder", "Encoder") for impl in (FFMPEG, NVDEC)}
@@ -106,7 +106,7 @@ def test_framework_without_the_other_implementation(shipped):
 
 
 def test_material_that_is_added(installation):
-    """Among it what can't be used, and a file that serves a codec whose id its own begins with."""
+    """Some of it is unusable, and one file serves another codec whose id begins the file's name."""
     installation.add_shipped("CodecFactory", "FfmpegCodecs")
     installation.add_shipped("ParserFactory", "FfmpegParsers")
     samples = installation.directory / "resources" / "codecSamples"

@@ -1,4 +1,4 @@
-"""Modules and coders that harm the process that they are in: what a parent sees of each."""
+"""Modules and coders that harm their own process: what a parent sees of each."""
 
 import json
 import os
@@ -16,13 +16,13 @@ from parent import Parent, Run
 IMPL = "FFMPEG_IMPL"
 CLOSED = ("ERROR", "Assayer closed by WatchDog!")
 LOCALE = "de_DE.UTF-8"
-# What the last record is: the name of the culprit, the line of the watch-dog, or a pass that came to
-# its end; or whatever it is, the pass claims no success.
+# The last record names the culprit, or tells of the watch-dog, or ends a complete run. NO_CLAIM: it may
+# be any, as long as the run doesn't claim success.
 NAME, TOLD, DONE, NO_CLAIM = "name", "told", "done", "no claim"
 FOUND = "the status of a finding"
-MEMORY = "--as=600000000"  # bytes; a clean pass takes less than a third
+MEMORY = "--as=600000000"  # bytes; a clean run takes less than a third
 
-# Status, last record, seconds at most. Where these are 2, the time-out is 1 second.
+# Status, last record, most seconds. If that is 2, the time-out is 1 second.
 ZOO = {
     "throws": (FOUND, DONE, 10),
     "throws-in-constructor": (-SIGABRT, NAME, 10),
@@ -49,7 +49,7 @@ ZOO = {
     "hang-until-exit": (2, TOLD, 2),
     "hang-in-destructor": (2, TOLD, 2),
     "takes-signals-hangs": (2, TOLD, 2),
-    "keeps-memory-hangs": (2, NAME, 2),  # none is left for the line
+    "keeps-memory-hangs": (2, NAME, 2),  # no memory is left for the watch-dog's record
     "keeps-memory": ((5, -SIGABRT, -SIGSEGV), NO_CLAIM, 10),
     "exhausts-memory": (FOUND, DONE, 10),
     "closes-stderr": (0, NAME, 10),
@@ -64,18 +64,18 @@ PHASES = ("plugins", "codecs", "pool")
 
 def makes_sense(fault, phase):
     if SANITIZED and "memory" in fault:
-        return False  # it needs more than the limit for itself
+        return False  # the sanitizer itself needs more than the limit
     if SANITIZED == "thread" and ZOO[fault][0] != 0:
-        return False  # it turns signals into reports, or delays them
+        return False  # the sanitizer turns signals into reports, or delays them
     if fault == "keeps-memory-hangs":
-        return phase != "pool"  # its neighbours end the process first
+        return phase != "pool"  # other tests end the process first
     return phase == "plugins" or "constructor" not in fault
 
 
 CASES = [(fault, phase) for phase in PHASES for fault in ZOO if makes_sense(fault, phase)]
 
 
-# The address sanitizer leaves signals alone then, and a process that ends anywhere has leaks.
+# Makes the address sanitizer leave signals alone and ignore leaks: a process that is ended has some.
 PLAIN_ENDS = "handle_segv=0:handle_sigfpe=0:handle_abort=0:detect_leaks=0"
 
 
@@ -87,7 +87,7 @@ class Sight(Run):
 
 
 def look(installation, arguments, fault, environment):
-    """Waits for the program, not for the end of what its children hold open too."""
+    """Waits for the program, but not for children of it that keep its pipes open."""
     limited = ["prlimit", MEMORY] if "memory" in fault else []
     with subprocess.Popen(["wc", "-c"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as sink:
         started = time.monotonic()
@@ -114,7 +114,7 @@ def record_of(fault, phase):
 
 
 def look_at(fault, phase, folder, codecs):
-    """One pass in which the fault stands between what is good."""
+    """Runs the fault once, between good modules or codecs."""
     seconds = "1" if ZOO[fault][2] == 2 else "60"
     environment = {"LOCPATH": str(folder), "LOCALAPPDATA": str(folder / f"{fault}-{phase}-logs")}
     if ZOO[fault][1] != DONE:
@@ -142,7 +142,7 @@ def sights(folder):
     subprocess.run(["localedef", "-i", "de_DE", "-f", "UTF-8", folder / LOCALE], check=True)
     codecs = Installation(folder / "codecs")
     codecs.add_fixture("BadCodecs")
-    with ThreadPoolExecutor(3) as pool:  # they mostly wait
+    with ThreadPoolExecutor(3) as pool:  # the threads mostly wait
         yield {case: pool.submit(look_at, *case, folder, codecs) for case in CASES}
         pool.shutdown(cancel_futures=True)
 
@@ -160,7 +160,7 @@ def test_what_the_parent_sees(sights, folder, fault, phase):
     assert (sight.output >= 500_000_000) == (fault == "floods-stdout"), sight
     if last == TOLD:
         assert logged(folder, fault, phase, "INFO").endswith("[ERROR]Assayer closed by WatchDog![/ERROR]\n")
-    if fault == "closes-stderr":  # What couldn't be told there stands in the files.
+    if fault == "closes-stderr":  # What couldn't be written there is in the files.
         assert "[/STATISTICS]" in logged(folder, fault, phase, "ERROR")
 
 
@@ -182,5 +182,5 @@ def check_records(sight, fault, phase, last):
     assert claims == [], sight
     if last == TOLD:
         assert records.pop() == CLOSED, sight
-    if last != NO_CLAIM:  # On the pool others may have begun since.
+    if last != NO_CLAIM:  # On the pool other tests may have begun since.
         assert records[-1][0] == culprit[0] if phase == "pool" else records[-1] == culprit, sight

@@ -16,7 +16,7 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-/// Each case logs in a child: glog starts once in a process.
+/// Each case logs in a child process, because glog can start only once in a process.
 class LogFiles : public testing::Test {
 protected:
     LogFiles() : root(testing::TempDir() + "log_files") {
@@ -31,7 +31,7 @@ protected:
     }
     ~LogFiles() override { std::filesystem::remove_all(root); }
 
-    /// Ends with 0 if logging was started and published its directory.
+    /// Ends with 0 if logging started and published its directory.
     [[noreturn]] void Log(const std::string& product, int minSeverity, int maxAgeDays = 10) const {
         const bool started = InitLogging(product, minSeverity, maxAgeDays);
         LogTagged(ERROR_TAG, "line");
@@ -40,7 +40,7 @@ protected:
         std::_Exit(started && std::getenv("TarnexLogPath") != nullptr ? 0 : 1);
     }
 
-    /// The log files of a directory below Logs, without time and process number and without links.
+    /// Names of the log files in a directory of Logs, without links, time and process number.
     std::set<std::string> Stems(const std::string& product) const {
         std::set<std::string> stems;
         std::error_code ignored;
@@ -84,7 +84,7 @@ TEST_F(LogFiles, OldOnesAreDeletedByTheirCreationTime) {
         std::ofstream(root / name) << "text";
     }
     const auto created = Platform::FindFiles(directory, "App.user").at(0).created;
-    // However long ago it was written to, creation counts.
+    // Only the creation counts, not the last write.
     std::filesystem::last_write_time(
         root / "App.user.INFO.1",
         std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * 365));

@@ -92,7 +92,7 @@ TEST(CommandLine, ListsAreSplitAtCommasAndTrimmed) {
     EXPECT_EQ(config.verifiableCodecs, (Strings{"", "a", "", "-"}));
 }
 
-TEST(CommandLine, PlaceholdersMeanNothing) {
+TEST(CommandLine, PlaceholdersCountAsMissing) {
     const Outcome outcome = Parse({"all", "1", "I", "C", "-", "-", "-", "-", "-", "1"});
     EXPECT_TRUE(outcome.config.extraDisabledPlugins.empty());
     EXPECT_TRUE(outcome.config.lastFailedLoadPlugin.empty());
@@ -106,7 +106,7 @@ TEST(CommandLine, PlaceholdersMeanNothing) {
     EXPECT_EQ(filled.lastFailedCodecsTest, " -");
 }
 
-TEST(CommandLine, OnlyAnExactTenthArgumentOfOneTurnsThreadsOn) {
+TEST(CommandLine, OnlyAOneAsTheTenthAndLastArgumentEnablesThreads) {
     const Strings nine{"all", "1", "I", "C", "-", "-", "-", "-", "-"};
     for (const Strings& rest : {Strings{"true"}, {"0"}, {"01"}, {" 1"}, {""}, {"1", "1"}}) {
         Strings arguments = nine;

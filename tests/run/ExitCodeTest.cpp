@@ -1,5 +1,5 @@
-// Stands in for the phases: linked before the library, this RunChecks is the one that the run
-// calls.
+// Replaces the phases: the linker prefers this RunChecks to the library's, because it comes
+// first.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ int RunWith(std::function<CheckResult()> replacement) {
     return Assayer(5, argv);
 }
 
-TEST(ExitCode, TellsWhatEndedTheRun) {
+TEST(ExitCode, SaysHowTheRunEnded) {
     EXPECT_EQ(RunWith([]() -> CheckResult { throw Exception("a"); }), 4);
     EXPECT_EQ(RunWith([]() -> CheckResult { throw std::runtime_error("b"); }), 5);
     EXPECT_EQ(RunWith([]() -> CheckResult { throw 6; }), 6);

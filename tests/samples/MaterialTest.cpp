@@ -1,4 +1,4 @@
-// What libav finds in the samples; no code of ours stands between.
+// Reads the samples with libav alone, without our own code.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -22,7 +22,7 @@ namespace {
 using Libav::Handle;
 using Libav::Own;
 
-/// What a sample holds and what was decoded of it.
+/// The contents of a sample.
 struct Material {
     int profile = 0;
     std::int64_t bitRate = 0;
@@ -54,7 +54,7 @@ std::string TraceHeaders(const AVCodecParameters& parameters) {
     return trace;
 }
 
-/// Of the first plane, without what lies between its rows.
+/// Of the first plane, without the padding between its rows.
 std::uint32_t Checksum(const AVFrame& frame) {
     const auto format = static_cast<AVPixelFormat>(frame.format);
     const int rows = std::max(frame.height, 1);

@@ -36,7 +36,7 @@ TEST(FakeStreamVideo, ShapeFollowsImplementationAndCodec) {
     }
 }
 
-/// How many frames a stream delivers after each seek; the last column counts all so far.
+/// Checks how many frames a stream delivers after each seek. `count` is their sum so far.
 void ExpectFrames(Proc::IStream& stream, std::int64_t frameLength) {
     const struct {
         std::int64_t position;

@@ -11,7 +11,7 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-/// What the file gives as text, or the failure without the file's name.
+/// The lists in the file as text, or the failure text without the file's name.
 std::string Load(const std::string& content, FormatType format) {
     const std::string path = testing::TempDir() + "test.list";
     std::ofstream(path) << content;
@@ -42,7 +42,7 @@ TEST(ListFile, ReadsLinesAndNamesTheOneAtFault) {
     }
 }
 
-TEST(ListFile, TakesTheKeysOfItsFormAlone) {
+TEST(ListFile, AcceptsOnlyTheKeysOfItsFormat) {
     const auto takes = [](const std::string& key, FormatType format) {
         return Load(key + ": v", format) == key + ": v\n";
     };
@@ -60,7 +60,7 @@ TEST(ListFile, TakesTheKeysOfItsFormAlone) {
     }
 }
 
-TEST(BrokenCodecs, TakesTheTextOfItsLists) {
+TEST(BrokenCodecs, ParsesTheTextOfItsLists) {
     const OptionLists lists = {{"Codecs.Decoder.X", {"A", "B"}}, {"Codecs.Encoder.X", {"A"}}};
     const BrokenCodecs broken(ModuleOptionsToString(lists, FormatType::Codecs));
     EXPECT_TRUE(broken);

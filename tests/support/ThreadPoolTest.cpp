@@ -13,7 +13,7 @@ TEST(ThreadPool, StopWaitsForAllAndLeavesThePoolUsable) {
     ThreadPool pool(3);
     for (int round = 0; round < 3; ++round) {
         std::atomic<int> ended = 0;
-        std::latch all(3);  // opens only when three tasks run side by side
+        std::latch all(3);  // opens only if three tasks run side by side
         for (int i = 0; i < 3; ++i) {
             pool.AddTask([&] {
                 all.arrive_and_wait();
@@ -35,7 +35,7 @@ TEST(ThreadPool, OneThreadKeepsTheOrder) {
     EXPECT_EQ(order, "abcdefgh");
 }
 
-TEST(ThreadPool, WhatATaskThrowsComesOutOfStopAndLosesNoTask) {
+TEST(ThreadPool, StopRethrowsButRunsAllTasks) {
     ThreadPool pool(2);
     std::atomic<int> ended = 0;
     pool.AddTask([] { throw std::bad_alloc(); });

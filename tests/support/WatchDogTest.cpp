@@ -24,7 +24,7 @@ bool ExpiresBeforeItsEnd(unsigned int seconds) {
     return count == 1;
 }
 
-TEST(WatchDog, IsCancelledBeforeItsTimeAndOnlyThen) {
+TEST(WatchDog, IsCancelledOnlyBeforeItsTime) {
     EXPECT_FALSE(ExpiresBeforeItsEnd(60));
     EXPECT_FALSE(ExpiresBeforeItsEnd(std::numeric_limits<unsigned int>::max()));
     for (int i = 0; i < 100; ++i) {
@@ -43,17 +43,17 @@ void WatchWithAnActionThatHangs() {
     hang();
 }
 
-TEST(WatchDogDeathTest, EndsTheProcessThoughTheActionHangs) {
+TEST(WatchDogDeathTest, EndsTheProcessIfTheActionHangs) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EXIT(WatchWithAnActionThatHangs(), testing::ExitedWithCode(WatchDog::EXIT_CODE), "");
     const auto taken = std::chrono::steady_clock::now() - start;
     EXPECT_GE(taken, std::chrono::seconds(1));
-    // The promise is a second more; the rest is the start of the child.
+    // One second more is promised; the rest is for the start of the child process.
     EXPECT_LT(taken, std::chrono::milliseconds(2500));
 }
 
-/// The back-stop, which takes no signals, goes on.
+/// Stops all other threads but the back-stop, which receives no signals.
 void HoldTheOtherThreads(std::chrono::milliseconds time) {
     static timespec pause;
     pause = {time.count() / 1000, time.count() % 1000 * 1'000'000};
@@ -75,7 +75,7 @@ void CancelWhileTheRunnerIsHeld() {
     std::_Exit(0);
 }
 
-TEST(WatchDogDeathTest, ACancellationStandsThoughItsAnswerIsLate) {
+TEST(WatchDogDeathTest, ALateReactionDoesNotUndoACancellation) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(CancelWhileTheRunnerIsHeld(), testing::ExitedWithCode(0), "");
 }

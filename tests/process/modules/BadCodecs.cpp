@@ -1,8 +1,8 @@
-// A codec module whose coders misbehave as the codec id says: "CODEC_ID_DECODER_ABORT" has a good
-// encoder, which makes the input of the bad decoder's test; "CODEC_ID_ENCODER_ABORT" has a bad
-// encoder alone; of "CODEC_ID_GOOD_0" and its like both are good. It poses as the implementation
-// that makes the input of decoder tests. At the end of the process it tells how many coders still
-// live.
+// A codec module whose coders misbehave as the codec id says. "CODEC_ID_DECODER_ABORT" has a bad
+// decoder and a good encoder, which encodes the input of the decoder's test.
+// "CODEC_ID_ENCODER_ABORT" has only a bad encoder. "CODEC_ID_GOOD_0" and the like have good ones.
+// The module claims to be the implementation that encodes the input of decoder tests. At the end of
+// the process it prints the number of coders that still live.
 
 #include <algorithm>
 #include <atomic>
@@ -110,7 +110,7 @@ private:
     }
 };
 
-/// True if the creation gives nothing.
+/// True if the creation returns null.
 bool MisbehaveAtCreation(const std::string& codecId) {
     const auto is = [&](const char* what) { return codecId.find(what) != std::string::npos; };
     if (is("THROWS_STD")) {
@@ -178,7 +178,7 @@ TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
 }
 
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
-    // Never destroyed: other threads may be in it while one ends the process.
+    // Never freed: other threads may use it while one thread ends the process.
     static BadCodecs* const codecs = new BadCodecs;
     description.codecs = codecs;
     std::atexit([] {

@@ -19,7 +19,7 @@
 
 #include "core/media/Factories.h"
 
-/// What the code of a module can do to the process that it is in.
+/// What a module's code can do to its process.
 namespace Faults {
 
 [[noreturn]] inline void Hang() {
@@ -58,7 +58,7 @@ inline void DivideByZero() {
     Hang();
 }
 
-/// As if the end of the module's own thread were awaited, which its exit handler stops.
+/// Waits like code that joins a thread which only an exit handler stops.
 inline void HangUntilExit() {
     static std::atomic<bool> isEnding = false;
     std::atexit([] {
@@ -78,7 +78,7 @@ inline void LeaveDirectory() {
     }
 }
 
-/// System calls are interrupted from here on.
+/// From now on, signals interrupt system calls.
 inline void TakeSignals() {
     struct sigaction action {};
     action.sa_handler = [](int) {};
@@ -97,7 +97,7 @@ inline void FloodStandardOutput() {
     }
 }
 
-/// More than one pipe holds.
+/// Writes more than a pipe can hold.
 inline void FloodStandardError() {
     const std::string noise(100'000, 'x');
     static_cast<void>(!write(STDERR_FILENO, noise.data(), noise.size()));
@@ -110,8 +110,8 @@ inline void LeaveChild() {
     }
 }
 
-/// Leaves a process in a session of its own that nobody's child is, takes no signal and holds
-/// standard error open.
+/// Leaves a process that has its own session and no parent, ignores signals, and holds standard
+/// error open.
 inline void Detach() {
     if (fork() != 0) {
         return;
@@ -134,7 +134,7 @@ inline void ExhaustMemory() {
     }
 }
 
-/// Nothing is left then, not even for an exception's text.
+/// Leaves no memory, not even for the text of an exception.
 inline void KeepMemory() {
     void* (*volatile allocate)(std::size_t) = std::malloc;
     for (std::size_t size = 64'000'000; size >= 16; size /= 2) {
@@ -143,7 +143,7 @@ inline void KeepMemory() {
     }
 }
 
-/// What the code of another language might throw.
+/// Throws like code in another language.
 inline void ThrowForeign() {
     static _Unwind_Exception thrown{};
     thrown.exception_class = 0x4153534159455200;
@@ -151,7 +151,7 @@ inline void ThrowForeign() {
     std::abort();  // nobody caught it
 }
 
-/// Loads all modules, the one that calls included.
+/// Loads all modules, including the one that calls.
 inline void CallCore() {
     for (const std::string& plugin : Tarnex::Proc::CodecFactoryImpl::GetPluginList()) {
         try {
@@ -162,7 +162,7 @@ inline void CallCore() {
     }
 }
 
-/// Never destroyed: other threads may be here while one ends the process.
+/// Never freed: other threads may use it while one thread ends the process.
 inline const std::map<std::string, void (*)()>& All() {
     static const auto& faults = *new std::map<std::string, void (*)()>{
         {"throws", [] { throw std::runtime_error("reason"); }},
@@ -203,7 +203,7 @@ inline const std::map<std::string, void (*)()>& All() {
     return faults;
 }
 
-/// False if there is no fault of that name.
+/// Returns false if no fault has that name.
 inline bool Make(const std::string& name) {
     const auto fault = All().find(name);
     if (fault == All().end()) {

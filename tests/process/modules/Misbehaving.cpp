@@ -1,6 +1,6 @@
-// A codec module that misbehaves as its file name says: the part before the first point of
-// "segfault.3.so" chooses, so that copies of other names make a crowd of the same kind. A fault
-// comes in the initialisation, or with the ending "-in-constructor" when the module is opened.
+// A codec module that misbehaves as its file name says. The part before the first point selects the
+// fault, so copies such as "segfault.3.so" have the same one. The fault happens at the
+// initialisation or, if the name ends with "-in-constructor", when the module is opened.
 
 #include <dlfcn.h>
 
@@ -42,7 +42,7 @@ void Forge() {
             victim.c_str(), victim.c_str());
 }
 
-/// What one module does to the process and another one pays for.
+/// What one module does to the process and another one suffers from.
 constexpr char SPOILED[] = "ASSAYER_TEST_SPOILED";
 
 __attribute__((constructor)) void OnOpen() {

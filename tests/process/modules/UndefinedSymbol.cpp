@@ -1,4 +1,4 @@
-// Needs a function that nobody has.
+// Needs a function that doesn't exist.
 extern "C" int FunctionThatNobodyHas();
 
 extern "C" __attribute__((visibility("default"))) unsigned TarnexModuleVersion() {

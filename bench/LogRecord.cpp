@@ -1,5 +1,5 @@
-// What one tagged line costs, beside a bare write of the same bytes. Standard error is meant to be
-// /dev/null; LOCALAPPDATA says where the log files go. Usage: tagged_line [LINES]
+// Measures the cost of one record, beside a bare write of the same bytes. Send standard error to
+// /dev/null; set LOCALAPPDATA for log files. Usage: log_record [RECORDS]
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -18,7 +18,7 @@ namespace {
 
 using namespace Tarnex::Core::Utils;  // NOLINT(google-build-using-namespace)
 
-/// Microseconds.
+/// In microseconds.
 double MedianTime(std::size_t lines, const std::function<void()>& write) {
     std::vector<double> times;
     for (std::size_t i = 0; i < lines; ++i) {
@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
         lines, [&text] { static_cast<void>(!write(STDERR_FILENO, text.data(), text.size())); });
     ShutdownLogging();
     fmt::print(
-        "microseconds, medians of {} lines: tagged line {} log files {:.1f}, bare write "
+        "microseconds, medians of {} records: record {} log files {:.1f}, bare write "
         "{:.1f}, ratio {:.1f}\n",
         lines, hasFiles ? "with" : "without", tagged, bare, tagged / bare);
     return 0;
