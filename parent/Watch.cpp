@@ -62,8 +62,15 @@ bool NeedsQuiet(const Attempt& attempt) {
     return attempt.verdict == Verdict::Hung || attempt.reason == "SIGKILL";
 }
 
+/// With a status of a run that came to its end: perhaps it did, unseen, because the item closed
+/// standard error. In company, what comes later decides how such a run ends.
+static bool IsSilent(const Attempt& attempt) {
+    static const Names ENDS{CLOSED_ERROR, "0", "7", "8", "9", "10"};
+    return attempt.verdict == Verdict::Ended && Contains(ENDS, attempt.reason);
+}
+
 void Judge(Item& item, const Attempt& seen, const Attempt& alone) {
-    const bool steady = IsSame(seen, alone);
+    const bool steady = IsSame(seen, alone) || (EndsRuns(seen.verdict) && IsSilent(alone));
     const Attempt& told = steady ? alone : seen;
     item.verdict = steady ? alone.verdict : Verdict::Unsteady;
     item.reason = told.reason;
