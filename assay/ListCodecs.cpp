@@ -21,9 +21,9 @@
 #include <string>
 
 #include "core/media/CoreManager.h"
+#include "core/support/Text.h"
 #include "mediacore/StartedModules.h"
 #include "run/QtEnvironment.h"
-#include "support/Split.h"
 
 namespace {
 

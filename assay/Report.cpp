@@ -58,8 +58,17 @@ void to_json(Json& to, const FileFacts& facts) {
           {"build_id", facts.buildId}};
 }
 
+/// The library takes any number for an integer, also one that has no room in it.
+std::uint64_t ToNatural(const Json& from, std::uint64_t most) {
+    if (!from.is_number_unsigned() || from.get<std::uint64_t>() > most) {
+        throw Exception(fmt::format("{} isn't a whole number from 0 to {}", from.dump(), most));
+    }
+    return from;
+}
+
 void from_json(const Json& from, FileFacts& facts) {
-    facts = {from.at("path"), from.at("size"), from.at("modified"), from.at("build_id")};
+    facts = {from.at("path"), ToNatural(from.at("size"), UINT64_MAX), from.at("modified"),
+             from.at("build_id")};
 }
 
 void to_json(Json& to, const RunEnd& end) {
@@ -74,7 +83,7 @@ void to_json(Json& to, const RunEnd& end) {
 
 void from_json(const Json& from, RunEnd& end) {
     if (from.contains("status")) {
-        end = ExitStatus{from.at("status")};
+        end = ExitStatus{static_cast<int>(ToNatural(from.at("status"), 255))};
     } else if (from.contains("signal")) {
         end = KilledBy{from.at("signal")};
     } else {

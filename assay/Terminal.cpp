@@ -11,10 +11,7 @@
 namespace Tarnex::Assay {
 namespace {
 
-constexpr std::size_t LONGEST_LINE = 300;
-constexpr int OTHER_ROWS = 10;   // of the summary, besides the bad items
-constexpr int ROWS_OF_ITEM = 3;  // its line and its command, which wraps
-constexpr int FEWEST_ITEMS = 3;
+constexpr int OTHER_ROWS = 9;  // of the summary, besides the bad items
 
 std::string_view GetVariable(const char* name) {
     const char* value = std::getenv(name);
@@ -80,9 +77,9 @@ void Terminal::Status(std::string_view text) {
     hasStatus = true;
 }
 
-void Terminal::Item(const Parent::Item& item) {
+void Terminal::Item(const Parent::Item& item, std::size_t columns) {
     if (IsWorthTelling(item)) {
-        Line(MakePrintable(Describe(item), LONGEST_LINE), GetColour(item));
+        Line(MakePrintable(Describe(item), columns), GetColour(item));
     }
 }
 
@@ -111,15 +108,24 @@ void Terminal::ClearStatus() {
 }
 
 void Terminal::BadItems(const Report& report) {
-    int left = std::max((GetSize().ws_row - OTHER_ROWS) / ROWS_OF_ITEM, FEWEST_ITEMS);
+    const winsize size = GetSize();
+    int rows = size.ws_row - OTHER_ROWS;
+    int hidden = 0;
     for (const Parent::Item& item : report.items) {
-        if (IsWorthTelling(item) && left-- > 0) {
-            Item(item);
-            Line("    " + QuoteForShell(item.repro));
+        if (!IsWorthTelling(item)) {
+            continue;
+        }
+        const std::string command = "    " + QuoteForShell(item.repro);
+        rows -= 2 + static_cast<int>(command.size()) / size.ws_col;
+        if (rows < 0) {
+            ++hidden;
+        } else {
+            Item(item, interactive ? size.ws_col : LONGEST_LINE);
+            Line(command);
         }
     }
-    if (left < 0) {
-        Line(fmt::format("... and {} more in the report", -left));
+    if (hidden > 0) {
+        Line(fmt::format("... and {} more in the report", hidden));
     }
 }
 

@@ -15,6 +15,8 @@ enum class Colour { None, Red = 31, Green = 32, Yellow = 33 };
 /// alone. Texts are made printable here.
 class Terminal {
 public:
+    static constexpr std::size_t LONGEST_LINE = 300;
+
     /// `quiet`: writes nothing. Heeds NO_COLOR and TERM.
     Terminal(std::FILE* stream, bool quiet);
     ~Terminal() { ClearStatus(); }
@@ -28,8 +30,8 @@ public:
     /// Rewrites the last line, cut at the terminal's width.
     void Status(std::string_view text);
 
-    /// A line for the item if it is bad, with reason and company.
-    void Item(const Parent::Item& item);
+    /// A line for the item if it is bad, with reason and company, in at most `columns` characters.
+    void Item(const Parent::Item& item, std::size_t columns = LONGEST_LINE);
 
     /// Counts, as many bad items as fit a screen with the command that shows each again, and what
     /// hindered the check.

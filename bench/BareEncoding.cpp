@@ -6,6 +6,7 @@
 #include "core/media/Frames.h"
 #include "modules/libav/CodecTable.h"
 #include "modules/libav/EncoderTraits.h"
+#include "streams/FakeStreamAudio.h"
 #include "streams/FakeStreamVideo.h"
 
 extern "C" {
@@ -86,7 +87,12 @@ void ConfigureSound(AVCodecContext& coder, const EncoderTraits& traits) {
     coder.time_base = {1, coder.sample_rate};
 }
 
-Handle<AVFrame> MakeSilence(const AVCodecContext& coder) {
+/// One frame of the synthetic sound, as much as the coder takes at once; silence where that is
+/// more.
+Handle<AVFrame> MakeSound(const AVCodecContext& coder) {
+    const auto source =
+        Proc::Pointer<Core::Utils::FakeStreamAudio>(new Core::Utils::FakeStreamAudio())
+            ->GetNextFrame();
     Handle<AVFrame> sound = Own(av_frame_alloc());
     sound->format = coder.sample_fmt;
     sound->sample_rate = coder.sample_rate;
@@ -95,6 +101,15 @@ Handle<AVFrame> MakeSilence(const AVCodecContext& coder) {
     av_frame_get_buffer(sound.get(), 0);
     av_samples_set_silence(sound->extended_data, 0, sound->nb_samples, sound->ch_layout.nb_channels,
                            coder.sample_fmt);
+    AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
+    SwrContext* resampler = nullptr;
+    swr_alloc_set_opts2(&resampler, &sound->ch_layout, coder.sample_fmt, coder.sample_rate, &stereo,
+                        AV_SAMPLE_FMT_S16, SAMPLE_RATE, 0, nullptr);
+    swr_init(resampler);
+    const std::uint8_t* samples = source->GetSamples();
+    swr_convert(resampler, sound->extended_data, sound->nb_samples, &samples,
+                static_cast<int>(source->GetSampleCount()));
+    swr_free(&resampler);
     return sound;
 }
 
@@ -148,7 +163,7 @@ void EncodeBare(const std::string& codecId) {
     av_dict_free(&options);
     if (result >= 0) {
         frame = codec->type == AVMEDIA_TYPE_VIDEO ? Convert(std::move(frame), *coder)
-                                                  : MakeSilence(*coder);
+                                                  : MakeSound(*coder);
         frame->pts = 0;
     }
     if (result < 0 || !ReceivePacket(*coder, std::move(frame))) {

@@ -139,8 +139,12 @@ void WriteMaterial(const std::filesystem::path& directory) {
         }
         width = picture->GetFrameInfo().width / 2;
     }
-    std::ofstream(directory / "silence.raw", std::ios::binary)
-        << std::string(std::size_t{4} * Proc::IFactoryDataAudio::SAMPLES_PER_BLOCK, '\0');
+    const auto sound =
+        Proc::Pointer<Core::Utils::FakeStreamAudio>(new Core::Utils::FakeStreamAudio())
+            ->GetNextFrame();
+    std::ofstream(directory / "sound.raw", std::ios::binary)
+        .write(reinterpret_cast<const char*>(sound->GetSamples()),
+               static_cast<std::streamsize>(4 * sound->GetSampleCount()));
 }
 
 /// The command that encodes the material; it lacks the output.
@@ -149,7 +153,7 @@ std::string MakeCommand(const std::string& id, const std::filesystem::path& dire
         Proc::IsVideoCodec(id)
             ? fmt::format("-f rawvideo -pix_fmt yuv420p -s 1920x1080 -r 25 -i {}/picture.yuv -c:v",
                           directory.string())
-            : fmt::format("-f s16le -ar 44100 -ac 2 -i {}/silence.raw -c:a", directory.string());
+            : fmt::format("-f s16le -ar 44100 -ac 2 -i {}/sound.raw -c:a", directory.string());
     return fmt::format("ffmpeg -nostdin -loglevel quiet {} {} -strict experimental", input,
                        NameOfEncoder(id));
 }

@@ -14,6 +14,9 @@ target_compile_options(assayer_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wundef)
 # Texts of failures tell where they come from: by paths that mean something on other machines too.
 target_compile_options(assayer_settings INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_options(assayer_settings INTERFACE -Wthread-safety)
+endif()
 if(ASSAYER_WERROR)
   target_compile_options(assayer_settings INTERFACE -Werror)
 endif()

@@ -11,12 +11,12 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The codec phase: tests every codec that the caller wants verified and the media core offers, and
-/// keeps those that fail. Set up, run by `Check` once the core is up, then read. Thread-bound to
+/// The codec phase: tests the wanted codecs that the media core offers and keeps those that fail.
+/// Set the inputs, call `Check` once the core is started, then read the results. Thread-bound to
 /// the main thread; the tests themselves may run on the pool.
 class CodecChecker {
 public:
-    /// `useMultithreading`: tests run side by side on as many threads as the machine has.
+    /// `useMultithreading`: run tests side by side, on as many threads as the machine has.
     explicit CodecChecker(bool useMultithreading);
 
     /// Waits for the tests that are running.
@@ -28,23 +28,24 @@ public:
     void SetVerifiableCodecImpls(const std::vector<std::string>& implementations);
     void SetVerifiableCodecs(const std::vector<std::string>& codecIds);
 
-    /// Codecs, by black-list option key, that are reported as broken without a test.
+    /// Codecs to report as broken without a test, by black-list option key.
     void SetKnownBrokenCodecs(const CodecLists& codecs);
 
-    /// Ids of tests, joined by commas, that are neither made nor reported. Throws
+    /// Ids of tests, separated by commas, that are neither run nor reported. Throws
     /// `Tarnex::Exception` for a text that isn't such an id.
     void SetLastFailedCodecsTest(const std::string& ids);
 
-    /// Tests decoders, then encoders; encoders alone if the last failed tests are all of encoders.
-    /// Each test is named by a tagged line before it begins and each finding written when it is
-    /// made. The result is the broken codecs by black-list option key. What a test throws is a
-    /// finding; what anything else throws passes through.
-    CodecLists Check();
+    /// Tests decoders, then encoders; only encoders if all the last failed tests are encoders'.
+    /// Logs each name before its test and each finding at once, as records. Returns the broken
+    /// codecs by black-list option key. What a test throws is a finding. Any other exception is
+    /// passed on.
+    [[nodiscard]] CodecLists Check();
 
-    /// The failure texts of `Check`.
+    /// All failure texts of `Check`.
     std::string GetErrorInfo() const { return errorInfo; }
 
-    /// What could be tested of both coder types, by black-list option key, whatever failed last.
+    /// All codecs of both coder types that could be tested, by black-list option key; also those
+    /// that failed last.
     CodecLists GetAllCodecsByOption() const;
 
 private:
@@ -56,12 +57,13 @@ private:
 
     enum class CodecListKey { ByImplementation, ByBlackListOption };
 
+    class Results;
     struct CheckTask;
 
     CodecLists GetVerifiableCodecs(CoderType type, CodecListKey keyKind) const;
     CodecLists GetCodecsToCheck(CoderType type) const;
     bool IsKnownBroken(const CodecConfig& config) const;
-    std::vector<CoderType> ChoosePasses() const;
+    std::vector<CoderType> ChooseRounds() const;
     ResultsByImplementation CheckRunner(CoderType type);
     CodecLists CollectBrokenCodecs(CoderType type, const ResultsByImplementation& results);
 

@@ -21,9 +21,8 @@ bool IsKindOfOthers(const std::string& factory) {
     return std::ranges::count(MODULE_KINDS, factory, &ModuleKind::factory) > 0;
 }
 
-// The file's name with what a plugin name can't hold replaced.
-std::string MakePluginName(const fs::path& path) {
-    std::string name = path.stem().string();
+// Replaces the characters that plugin names can't contain.
+std::string MakePluginName(std::string name) {
     std::ranges::replace_if(
         name,
         [](unsigned char byte) {
@@ -73,7 +72,7 @@ public:
 private:
     fs::path File(const std::string& name) const { return directory / (name + ".so"); }
 
-    // Modules linked before come first, so that no new one takes their names.
+    // Names the modules that were linked before first, so that no new module takes their names.
     void Name(const std::vector<FoundModule>& modules) {
         std::map<std::pair<std::string, fs::path>, std::string> nameBefore;
         for (const auto& [name, target] : oldLinks) {
@@ -100,7 +99,7 @@ private:
     }
 
     std::string ChooseName(const FoundModule& module) {
-        const std::string wanted = MakePluginName(module.path);
+        const std::string wanted = MakePluginName(module.name);
         std::string name = wanted;
         for (int number = 2; !IsFree(name, module.path); ++number) {
             name = wanted + "-" + std::to_string(number);
@@ -112,7 +111,7 @@ private:
         return name;
     }
 
-    // A link to the very file that isn't listed is what an interrupted update left.
+    // An unlisted link to the very same file is left over from an interrupted update.
     bool IsFree(const std::string& name, const fs::path& target) const {
         const fs::file_status status = fs::symlink_status(File(name));
         return !taken.contains(name) &&
@@ -158,7 +157,7 @@ private:
     std::map<std::string, std::pair<std::string, fs::path>> oldLinks;
     PluginLists newNames;
     std::map<std::string, fs::path> newLinks;
-    // Names that mean something else to the program.
+    // Starts with the names that have another meaning in the program.
     std::set<std::string> taken{Core::OGL_MANAGER, Core::Utils::EMPTY_VALUE};
     Changes changes;
 };

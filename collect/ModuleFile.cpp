@@ -19,7 +19,7 @@ namespace {
 
 class OpenFile {
 public:
-    // Not to wait for a writer, should the name be that of a pipe.
+    // Doesn't wait for a writer if the path is a pipe's.
     explicit OpenFile(const char* path) : fd(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         if (fd < 0) {
             throw Exception(std::strerror(errno));
@@ -47,7 +47,7 @@ using ElfHandle = std::unique_ptr<Elf, decltype(&elf_end)>;
 
 ElfHandle OpenElf(const OpenFile& file) {
     static_cast<void>(elf_version(EV_CURRENT));
-    // Read, not mapped: a mapped file that is cut short meanwhile would kill the process.
+    // Reads instead of mapping: a mapped file that shrinks meanwhile would kill the process.
     ElfHandle elf(elf_begin(file.fd, ELF_C_READ, nullptr), &elf_end);
     if (elf == nullptr || elf_kind(elf.get()) != ELF_K_ELF) {
         throw Exception("not an ELF file");
@@ -170,7 +170,9 @@ ModuleFile ReadModuleFile(const boost::filesystem::path& path) {
     RequireLoadable(ReadHeader(elf.get()));
     const std::set<std::string> exports = ReadExports(elf.get());
     for (const ModuleKind& kind : MODULE_KINDS) {
-        if (exports.contains(std::string(kind.entryPoint))) {
+        if (std::ranges::any_of(kind.entryPoints, [&](std::string_view name) {
+                return !name.empty() && exports.contains(std::string(name));
+            })) {
             module.kinds.push_back(&kind);
         }
     }

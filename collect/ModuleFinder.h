@@ -9,8 +9,9 @@
 namespace Tarnex::Collect {
 
 struct FoundModule {
-    boost::filesystem::path path;  ///< absolute, as found: links of the last component stay
+    boost::filesystem::path path;  ///< absolute; a link in the last component isn't resolved
     const ModuleKind* kind;
+    std::string name;  ///< the wanted name; several modules may want the same
 };
 
 struct LeftOut {
@@ -23,11 +24,12 @@ struct Findings {
     std::vector<LeftOut> leftOut;
 };
 
-/// Looks at every file named "*.so" in the folders and below, folder after folder, each sorted by
-/// path; links to folders aren't followed, and what lies directly in `installation` isn't looked
-/// at. A module is of the kind of its folder if it exports that kind's entry point, else of the
-/// first whose entry point it exports, else of its folder's kind: that it can't be loaded is for
-/// the check to find.
+/// Examines every file named "*.so" in the folders and their subfolders: folder by folder, each
+/// sorted by path. Doesn't follow links to folders and skips the files directly in `installation`.
+/// A module that exports the entry point of its folder's kind is of that kind; else of the first
+/// kind whose entry point it exports; else of its folder's kind, so that the check reports why it
+/// can't be loaded. In an LV2 bundle, even if the bundle is a link, examines only the files that
+/// the manifest names as plugins' binaries.
 Findings FindModules(const std::vector<SearchFolder>& folders,
                      const boost::filesystem::path& installation);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks what crosses the border of a shared object. Everything else is built hidden.
+/// Makes a function or a class visible outside its shared object. All other symbols are hidden.
 #if defined(_WIN32)
 #if defined(TARNEX_MEDIACORE_BUILD)
 #define TARNEX_API __declspec(dllexport)
@@ -10,6 +10,6 @@
 #define TARNEX_TYPE
 #else
 #define TARNEX_API __attribute__((visibility("default")))
-/// For types that are thrown or cast across shared objects: their type information has to agree.
+/// For types that are thrown or cast across shared objects: all must see one type information.
 #define TARNEX_TYPE __attribute__((visibility("default")))
 #endif

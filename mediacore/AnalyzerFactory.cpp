@@ -18,7 +18,7 @@ void Load(const Core::ModuleFile& file) {
     if (descriptor == nullptr) {
         library.Refuse("describes no analyser");
     }
-    // Version 1 lacks operations at the end of the descriptor alone.
+    // Version 1 only lacks the operations at the end of the descriptor.
     if (descriptor->vampApiVersion < 1 || descriptor->vampApiVersion > VAMP_API_VERSION) {
         library.Refuse(fmt::format("has version {} of the Vamp interface instead of {}",
                                    descriptor->vampApiVersion, VAMP_API_VERSION));

@@ -1,9 +1,8 @@
 #include "core/media/AppLocations.h"
 
-#include <filesystem>
+#include <boost/filesystem.hpp>
 
 #include "platform/Environment.h"
-#include "platform/WideText.h"
 
 namespace Tarnex::Core {
 namespace {
@@ -14,7 +13,7 @@ public:
 
 private:
     const ioPath directory =
-        std::filesystem::path(Platform::Narrow(Platform::GetProgramPath())).parent_path().string();
+        boost::filesystem::path(Platform::GetProgramPath()).parent_path().string();
 };
 
 }  // namespace

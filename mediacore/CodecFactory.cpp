@@ -1,12 +1,12 @@
 #include "core/media/CodecFactory.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
 #include "core/media/Presets.h"
 #include "core/support/Exception.h"
 #include "core/support/ExceptionText.h"
+#include "core/support/Text.h"
 #include "mediacore/StartedModules.h"
 
 namespace Tarnex::Proc {
@@ -15,13 +15,10 @@ namespace {
 using Codecs = std::vector<std::string>;
 using Core::CoderType;
 using Core::StartedModules;
+using Core::Utils::Contains;
 using Module::ICodecModule;
 
-bool Holds(const Codecs& codecs, const std::string& codecId) {
-    return std::find(codecs.begin(), codecs.end(), codecId) != codecs.end();
-}
-
-/// Whose list failed would be told by nothing else: the module was checked long before.
+/// Adds the implementation's name: no record identifies the module at this point.
 Codecs Ask(ICodecModule& module, CoderType type) {
     try {
         return module.GetCodecs(type);
@@ -31,7 +28,7 @@ Codecs Ask(ICodecModule& module, CoderType type) {
     }
 }
 
-/// Chooses the module; the module makes the coder.
+/// Finds the module for a codec. The module creates the coder.
 class CodecFactory : public RefCounted<ICodecFactory> {
 public:
     explicit CodecFactory(std::shared_ptr<const StartedModules> modules)
@@ -92,21 +89,21 @@ private:
         return Find(CoderType::Encoder, property.Get(Conf::IPreset::ITEM_CODEC_ID), implementation);
     }
 
-    /// The first module of the implementation that offers the codec. Asked one by one: a module may
-    /// have to start a framework to answer.
+    /// The first module of the implementation that offers the codec. Asks no further modules,
+    /// because one may have to start a framework to answer.
     ICodecModule* Find(CoderType type, const std::string& codecId,
                        const std::string& implementation) const {
         for (ICodecModule* module : modules->codecs) {
             if (module->GetImplementation() == implementation &&
-                Holds(Ask(*module, type), codecId)) {
+                Contains(Ask(*module, type), codecId)) {
                 return module;
             }
         }
         return nullptr;
     }
 
-    /// From the first module that succeeds: one may offer a codec and lack the device for it. If
-    /// none does, the first one's reason is thrown.
+    /// Tries the modules in turn, because one may offer a codec but lack the device for it. If all
+    /// fail, throws the failure of the first.
     template <class Stream>
     Pointer<ICodedStream> CreateDefault(const Pointer<Stream>& stream, const Property& property,
                                         Pointer<ICodedStream> (ICodecModule::*create)(
@@ -115,7 +112,7 @@ private:
         std::exception_ptr reason;
         for (ICodecModule* module : modules->codecs) {
             try {
-                if (!Holds(Ask(*module, CoderType::Encoder), codecId)) {
+                if (!Contains(Ask(*module, CoderType::Encoder), codecId)) {
                     continue;
                 }
                 if (auto encoder = (module->*create)(stream, property)) {
@@ -138,7 +135,7 @@ private:
                 continue;
             }
             for (std::string& codecId : Ask(*module, type)) {
-                if (!Holds(all, codecId)) {
+                if (!Contains(all, codecId)) {
                     all.push_back(std::move(codecId));
                 }
             }
@@ -172,7 +169,11 @@ bool IsAudioCodec(const std::string& codecId) {
 
 }  // namespace Tarnex::Proc
 
-Tarnex::Proc::Pointer<Tarnex::Proc::ICodecFactory> Tarnex::Core::CreateCodecFactory(
+namespace Tarnex::Core {
+
+Proc::Pointer<Proc::ICodecFactory> CreateCodecFactory(
     std::shared_ptr<const StartedModules> modules) {
     return new Proc::CodecFactory(std::move(modules));
 }
+
+}  // namespace Tarnex::Core

@@ -1,10 +1,10 @@
 #include "core/media/CoreManager.h"
 
 #include <future>
-#include <mutex>
 #include <utility>
 
 #include "core/support/Exception.h"
+#include "core/support/Mutex.h"
 #include "mediacore/StartedModules.h"
 
 namespace Tarnex::Core {
@@ -25,14 +25,13 @@ public:
 
     void Initialize(std::function<void()> onInitialized, const CoreOptions& options,
                     IHostServices* /*host*/, IStartProgress* /*progress*/,
-                    bool startModules) override {
-        const std::lock_guard lock(mutex);
+                    bool /*startModules*/) override {
+        const Lock lock(mutex);
         if (start.valid()) {
-            throw Exception("The media core is started already");
+            throw Exception("The media core is already started");
         }
         start = std::async(std::launch::async, [=, this, disabled = GetDisabledPlugins(options)] {
-            SetModules(std::make_shared<const StartedModules>(startModules ? StartModules(disabled)
-                                                                           : StartedModules()));
+            SetModules(std::make_shared<const StartedModules>(StartModules(disabled)));
             if (onInitialized) {
                 onInitialized();
             }
@@ -40,11 +39,9 @@ public:
     }
 
     void WaitUntilInitialized() override {
-        std::unique_lock lock(mutex);
-        const std::shared_future<void> starting = start;
-        lock.unlock();
+        const std::shared_future<void> starting = GetStart();
         if (!starting.valid()) {
-            throw Exception("The media core isn't being started");
+            throw Exception("The media core hasn't been started");
         }
         starting.get();
     }
@@ -56,15 +53,13 @@ public:
     Proc::Pointer<Proc::ICodecFactory> GetCodecFactory() override {
         const auto started = GetModules();
         if (!started) {
-            throw Exception("The media core isn't up, so there is no codec factory");
+            throw Exception("The media core isn't started, so there is no codec factory");
         }
         return CreateCodecFactory(started);
     }
 
     void Uninitialize() override {
-        std::unique_lock lock(mutex);
-        const std::shared_future<void> ending = std::exchange(start, {});
-        lock.unlock();
+        const std::shared_future<void> ending = TakeStart();
         if (ending.valid()) {
             ending.wait();
         }
@@ -72,24 +67,35 @@ public:
     }
 
     std::shared_ptr<const StartedModules> GetModules() const {
-        const std::lock_guard lock(mutex);
+        const Lock lock(mutex);
         return modules;
     }
 
 private:
+    std::shared_future<void> GetStart() const {
+        const Lock lock(mutex);
+        return start;
+    }
+
+    std::shared_future<void> TakeStart() {
+        const Lock lock(mutex);
+        return std::exchange(start, {});
+    }
+
     void SetModules(std::shared_ptr<const StartedModules> started) {
-        const std::lock_guard lock(mutex);
+        const Lock lock(mutex);
         modules = std::move(started);
     }
 
     const std::shared_ptr<ComputingResourceManager> resources =
         std::make_shared<ComputingResourceManager>();
-    mutable std::mutex mutex;
-    std::shared_future<void> start;                 // guarded by mutex
-    std::shared_ptr<const StartedModules> modules;  // guarded by mutex, set while the core is up
+    mutable Mutex mutex;
+    std::shared_future<void> start TARNEX_GUARDED_BY(mutex);
+    // Set while the core is up.
+    std::shared_ptr<const StartedModules> modules TARNEX_GUARDED_BY(mutex);
 };
 
-/// Never destroyed: the watch-dog may end the process while other threads are in the core.
+/// Never freed: the watch-dog may end the process while other threads are in the core.
 ModuleCoreManager& GetManager() {
     static ModuleCoreManager& manager = *new ModuleCoreManager();
     return manager;

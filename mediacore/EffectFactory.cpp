@@ -12,7 +12,7 @@ namespace {
 
 using Core::SharedLibrary;
 
-/// Mixers take several pictures and have another operation for it.
+/// Mixers take several pictures, through another entry point.
 bool IsMixer(const f0r_plugin_info_t& info) {
     return info.plugin_type == F0R_PLUGIN_TYPE_MIXER2 || info.plugin_type == F0R_PLUGIN_TYPE_MIXER3;
 }
@@ -32,7 +32,7 @@ void Load(const Core::ModuleFile& file) {
     auto* const getInfo = library.Get<decltype(f0r_get_plugin_info)>("f0r_get_plugin_info");
     RequireOperations(library);
 
-    // The interface leaves the value open; hosts take a negative one alone as a refusal.
+    // The interface doesn't define the value; hosts treat only negative ones as a refusal.
     const int initialised = initialise();
     if (initialised < 0) {
         library.Refuse(fmt::format("refused to initialise ({})", initialised));

@@ -2,7 +2,7 @@
 #include <ladspa.h>
 #include <lv2/core/lv2.h>
 
-#include <filesystem>
+#include <boost/filesystem.hpp>
 #include <memory>
 
 #include "core/media/Factories.h"
@@ -24,7 +24,7 @@ bool IsNamed(const LV2_Descriptor& filter) {
     return filter.URI != nullptr && *filter.URI != '\0';
 }
 
-/// What hosts call without asking whether it is there; null if it all is.
+/// The first missing part that hosts use without a check; null if nothing is missing.
 template <class Descriptor>
 const char* FindMissing(const Descriptor& filter) {
     return !IsNamed(filter)                ? "name"
@@ -34,8 +34,8 @@ const char* FindMissing(const Descriptor& filter) {
                                            : nullptr;
 }
 
-/// `describe` gives the filter of an index, or null behind the last one. Returns how many there
-/// are.
+/// `describe` returns the filter at an index, or null after the last one. Returns the number of
+/// filters.
 template <class Describe>
 unsigned CheckFilters(const SharedLibrary& library, Describe describe) {
     unsigned count = 0;
@@ -55,7 +55,7 @@ void DestroyLibrary(const LV2_Lib_Descriptor* description) {
 
 unsigned CheckLibrary(const SharedLibrary& library, const std::string& file,
                       decltype(lv2_lib_descriptor)* describe) {
-    const std::string bundle = std::filesystem::path(file).parent_path().string() + "/";
+    const std::string bundle = boost::filesystem::path(file).parent_path().string() + "/";
     const LV2_Feature* const noFeatures[] = {nullptr};
     const std::unique_ptr<const LV2_Lib_Descriptor, decltype(&DestroyLibrary)> description(
         describe(bundle.c_str(), noFeatures), DestroyLibrary);
@@ -63,7 +63,7 @@ unsigned CheckLibrary(const SharedLibrary& library, const std::string& file,
         return 0;
     }
     if (description->get_plugin == nullptr) {
-        library.Refuse("its library has no get_plugin");
+        library.Refuse("describes a library without get_plugin");
     }
     return CheckFilters(library, [&](unsigned index) {
         return description->get_plugin(description->handle, index);
@@ -76,7 +76,7 @@ void RequireFilters(const SharedLibrary& library, unsigned count, const char* in
     }
 }
 
-/// False if it isn't of this interface.
+/// False if the module doesn't have this interface.
 bool CheckLadspa(const SharedLibrary& library) {
     auto* const describe = library.Find<decltype(ladspa_descriptor)>("ladspa_descriptor");
     if (describe != nullptr) {
@@ -85,7 +85,7 @@ bool CheckLadspa(const SharedLibrary& library) {
     return describe != nullptr;
 }
 
-/// False if it isn't of this interface.
+/// False if the module doesn't have this interface.
 bool CheckLv2(const SharedLibrary& library, const std::string& file) {
     auto* const describe = library.Find<decltype(lv2_descriptor)>("lv2_descriptor");
     auto* const describeLibrary = library.Find<decltype(lv2_lib_descriptor)>("lv2_lib_descriptor");
@@ -104,7 +104,8 @@ void Load(const Core::ModuleFile& file) {
     const bool isLadspa = CheckLadspa(library);
     const bool isLv2 = CheckLv2(library, file.path);
     if (!isLadspa && !isLv2) {
-        library.Refuse("no entry point ladspa_descriptor, lv2_descriptor or lv2_lib_descriptor");
+        library.Refuse(
+            "has no entry point ladspa_descriptor, lv2_descriptor or lv2_lib_descriptor");
     }
 }
 

@@ -5,14 +5,13 @@
 namespace Tarnex::Proc {
 namespace {
 
-/// What the formats of both kinds hold.
+/// The common part of video and audio formats.
 template <class Interface>
 class FormatCodec : public RefCounted<Interface> {
 public:
     Property GetProperty() const override { return property; }
     void SetProperty(Property newProperty) override { property = std::move(newProperty); }
-    std::string GetContainerName() const override { return containerName; }
-    void SetContainerName(const std::string& name) override { containerName = name; }
+    void SetContainerName(const std::string& /*name*/) override {}
     std::string GetCodecID() const override { return codecId; }
     void SetCodecID(const std::string& id) override { codecId = id; }
     const std::vector<std::uint8_t>& GetExtraData() const override { return extraData; }
@@ -20,7 +19,6 @@ public:
 
 private:
     Property property;
-    std::string containerName;
     std::string codecId;
     std::vector<std::uint8_t> extraData;
 };
@@ -37,8 +35,7 @@ public:
     void SetFrameRate(int numerator, int denominator) override {
         frameRate = {numerator, denominator};
     }
-    bool GetImageFlag() const override { return imageFlag; }
-    void SetImageFlag(bool isImage) override { imageFlag = isImage; }
+    void SetImageFlag(bool /*isImage*/) override {}
     ColorSpace GetColorSpace() const override { return colorSpace; }
     void SetColorSpace(const ColorSpace& space) override { colorSpace = space; }
 
@@ -46,7 +43,6 @@ private:
     FrameInfo frameInfo;
     PixFmt pixelFormat = PixFmt::Yuv420p;
     FrameRate frameRate;
-    bool imageFlag = false;
     ColorSpace colorSpace{1, 1, 1};
 };
 

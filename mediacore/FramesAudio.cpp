@@ -15,31 +15,31 @@ namespace {
 
 constexpr std::int64_t MILLISECONDS = 1000;
 
-/// Minutes of sound, far below where sizes in bytes overflow.
+/// Minutes of sound, far below the point where sizes in bytes overflow.
 constexpr int MAX_BLOCKS = 1024;
 
-/// 1 ms at least, or a source that counts by it would never come to its end.
+/// At least 1 ms, because a source that counts by frame lengths would never end otherwise.
 std::int64_t LengthOf(std::size_t samples, int rate) {
     return std::max<std::int64_t>(1, static_cast<std::int64_t>(samples) * MILLISECONDS / rate);
 }
 
-/// In cycles a sample.
+/// In cycles per sample.
 constexpr double LOWEST_TONE = 0.005;
 constexpr double HIGHEST_TONE = 0.1;
 
 constexpr double LOUDNESS = 6000;
 constexpr int NOISE_LEVELS = 256;
 
-/// A tone that rises and its third harmonic, with a little noise: work for prediction, transform
-/// and entropy coding.
+/// A rising tone and its third harmonic, with a little noise: work for prediction, transform and
+/// entropy coding.
 void Play(std::span<std::int16_t> samples, std::size_t channels) {
-    std::minstd_rand random;  // the standard defines its numbers, so all machines draw the same
+    std::minstd_rand random;  // defined by the standard, so all machines get the same numbers
     const double rise = (HIGHEST_TONE - LOWEST_TONE) / static_cast<double>(samples.size());
     double phase = 0;
     for (std::size_t i = 0; i < samples.size(); i += channels) {
         phase += 2 * std::numbers::pi * (LOWEST_TONE + rise * static_cast<double>(i));
         for (std::size_t channel = 0; channel < channels; ++channel) {
-            // The channels share the tone but neither its harmonic nor the noise.
+            // Both channels have the same tone, but different harmonics and noise.
             const double tone =
                 std::sin(phase) + std::sin(3 * phase) / (2 + static_cast<double>(channel));
             const int noise = static_cast<int>(random() / 16 % NOISE_LEVELS) - NOISE_LEVELS / 2;
@@ -81,11 +81,11 @@ public:
     Pointer<IFrameAudio> CreateFrame(const SampleInfo& info, int blocks) override {
         if (info.format != SampleFormats::S16 || !IsKnown(info.layout) || info.rate < 1) {
             throw Exception(fmt::format(
-                "No audio frames of sample format {}, channel layout {}, rate {}",
+                "Can't create audio frames of sample format {}, channel layout {}, rate {}",
                 static_cast<int>(info.format), static_cast<int>(info.layout), info.rate));
         }
         if (blocks < 1 || blocks > MAX_BLOCKS) {
-            throw Exception(fmt::format("No audio frames of {} blocks", blocks));
+            throw Exception(fmt::format("Can't create audio frames of {} blocks", blocks));
         }
         return new FrameAudio(info, static_cast<std::size_t>(blocks) * SAMPLES_PER_BLOCK);
     }

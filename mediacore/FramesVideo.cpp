@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <random>
 
@@ -14,7 +13,7 @@ namespace {
 /// Wide enough for the vector instructions of any scaler or coder.
 constexpr int ALIGNMENT = 64;
 
-/// What a plane's values lie between.
+/// The limits of a plane's values.
 struct Range {
     int low;
     int high;
@@ -22,35 +21,18 @@ struct Range {
 constexpr Range LUMA{16, 235};
 constexpr Range CHROMA{80, 176};
 
-/// The side of the squares in the middle of the picture. Larger than the blocks of most coders and
-/// no multiple of them, so that edges fall inside blocks too.
+/// The side of the squares in the middle of the picture. Larger than most coders' blocks and not a
+/// multiple of them, so that edges fall inside blocks too.
 constexpr int SQUARE = 60;
 
-/// Above what any coder takes, and far below where sizes in bytes overflow an int.
+/// More than any coder takes, and far below the point where sizes in bytes overflow an int.
 constexpr int MAX_SIDE = 16384;
 
-constexpr int NOISE_LEVELS = 7;
+/// The number of places in the noise where a row can begin.
 constexpr int NOISE_STARTS = 4096;
+constexpr int NOISE_STEP = 1009;  // puts neighbouring rows far apart
 
-/// A row's noise is a stretch of it: drawing numbers for each pixel would cost more than many a
-/// coder.
-using Noise = std::array<std::uint8_t, MAX_SIDE + NOISE_STARTS>;
-
-Noise MakeNoise() {
-    std::minstd_rand random;  // the standard defines its numbers, so all machines draw the same
-    Noise noise;
-    for (std::uint8_t& value : noise) {
-        value = static_cast<std::uint8_t>(random() / 16 % NOISE_LEVELS);
-    }
-    return noise;
-}
-
-const std::uint8_t* NoiseOfRow(int row) {
-    static const Noise NOISE = MakeNoise();
-    return NOISE.data() + row * 1009 % NOISE_STARTS;  // 1009: far apart in neighbouring rows
-}
-
-/// Rows are multiples of it, so that memory of blocks holds whole planes.
+/// The unit of memory. Rows are a multiple of it, so that each plane begins on a block.
 struct alignas(ALIGNMENT) Block {
     std::uint8_t bytes[ALIGNMENT];
 };
@@ -59,38 +41,44 @@ constexpr int Align(int size) {
     return (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
 }
 
-/// A row without its noise.
-using Pattern = std::vector<std::uint8_t>;
-
-/// From low at the left to high at the right. In the middle half every second square, beginning
-/// with the one of the number `first`, is inverted; none if `first` is negative.
-Pattern MakePattern(int width, Range range, int first) {
-    Pattern pattern(static_cast<std::size_t>(width));
-    const int steps = range.high - range.low - NOISE_LEVELS;
-    for (int x = 0; x < width; ++x) {
-        const bool isMiddle = x >= width / 4 && x < width - width / 4;
-        const bool isInverted = first >= 0 && isMiddle && x / SQUARE % 2 == first;
-        const int value = x * steps / width;
-        pattern[static_cast<std::size_t>(x)] =
-            static_cast<std::uint8_t>(range.low + (isInverted ? steps - value : value));
+/// Low at the left, high at the right.
+void DrawRamp(const Plane& plane, Range range) {
+    for (int x = 0; x < plane.stride; ++x) {
+        plane.data[x] =
+            static_cast<std::uint8_t>(range.low + x * (range.high - range.low) / plane.stride);
     }
-    return pattern;
+    for (int row = 1; row < plane.height; ++row) {
+        std::copy_n(plane.data, plane.stride, plane.data + std::ptrdiff_t{row} * plane.stride);
+    }
 }
 
-/// A ramp with a chequered square in its middle and a little noise: work for prediction, transform
-/// and entropy coding.
-void Draw(const Plane& plane, Range range) {
-    const Pattern plain = MakePattern(plane.stride, range, -1);
-    const Pattern chequered[] = {MakePattern(plane.stride, range, 0),
-                                 MakePattern(plane.stride, range, 1)};
-    for (int row = 0; row < plane.height; ++row) {
-        const bool isMiddle = row >= plane.height / 4 && row < plane.height - plane.height / 4;
-        const Pattern& pattern = isMiddle ? chequered[row / SQUARE % 2] : plain;
-        std::transform(pattern.begin(), pattern.end(), NoiseOfRow(row),
-                       plane.data + std::ptrdiff_t{row} * plane.stride,
-                       [](std::uint8_t value, std::uint8_t noise) {
-                           return static_cast<std::uint8_t>(value + noise);
-                       });
+/// Values from 0 to 7. Rows share them: separate noise for each row would cost more than some
+/// coders.
+std::vector<std::uint8_t> MakeNoise(int size) {
+    std::minstd_rand random;  // defined by the standard, so all machines get the same numbers
+    std::vector<std::uint8_t> noise(static_cast<std::size_t>(size));
+    std::generate(noise.begin(), noise.end(),
+                  [&] { return static_cast<std::uint8_t>(random() / 16 % 8); });
+    return noise;
+}
+
+void DrawLine(std::uint8_t* line, const std::uint8_t* noise, Range range, bool isInverted) {
+    for (int x = 0; x < SQUARE; ++x) {
+        const int value = isInverted ? range.low + range.high - line[x] : line[x];
+        line[x] = static_cast<std::uint8_t>(value + noise[x] - 4);
+    }
+}
+
+/// Inverts every second square in the middle and adds noise there. The rest stays free of noise,
+/// which would make lossless coders several times slower.
+void DrawSquares(const Plane& plane, Range range) {
+    const std::vector<std::uint8_t> noise = MakeNoise(plane.stride + NOISE_STARTS);
+    for (int row = plane.height / 4; row < plane.height - plane.height / 4; ++row) {
+        std::uint8_t* line = plane.data + std::ptrdiff_t{row} * plane.stride;
+        const std::uint8_t* start = noise.data() + row * NOISE_STEP % NOISE_STARTS;
+        for (int x = plane.stride / 4; x + SQUARE <= plane.stride - plane.stride / 4; x += SQUARE) {
+            DrawLine(line + x, start + x, range, (row / SQUARE + x / SQUARE) % 2 != 0);
+        }
     }
 }
 
@@ -108,7 +96,9 @@ public:
                                                 {nullptr, chromaStride, chromaHeight},
                                                 {nullptr, chromaStride, chromaHeight}});
         for (const Plane& plane : planes) {
-            Draw(plane, &plane == &planes.front() ? LUMA : CHROMA);
+            const Range range = &plane == &planes.front() ? LUMA : CHROMA;
+            DrawRamp(plane, range);
+            DrawSquares(plane, range);
         }
     }
 
@@ -119,7 +109,7 @@ public:
 
 private:
     void AllocatePlanes(std::vector<Plane> layout) {
-        std::size_t size = ALIGNMENT;  // scalers read a little beyond the last row
+        std::size_t size = ALIGNMENT;  // scalers read slightly past the last row
         for (const Plane& plane : layout) {
             size += PlaneSize(plane);
         }
@@ -148,12 +138,12 @@ public:
     Pointer<IFrameVideo> CreateFrame(const ColorSpace& space, PixFmt format,
                                      const FrameInfo& info) override {
         if (format != PixFmt::Nv12 && format != PixFmt::Yuv420p) {
-            throw Exception(
-                fmt::format("No video frames of pixel format {}", static_cast<int>(format)));
+            throw Exception(fmt::format("Can't create video frames of pixel format {}",
+                                        static_cast<int>(format)));
         }
         if (std::min(info.width, info.height) < 1 || std::max(info.width, info.height) > MAX_SIDE) {
             throw Exception(
-                fmt::format("No video frames of {} by {} pixels", info.width, info.height));
+                fmt::format("Can't create video frames of {}x{} pixels", info.width, info.height));
         }
         return new FrameVideo(space, format, info);
     }

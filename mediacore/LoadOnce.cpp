@@ -16,7 +16,7 @@ void LoadOrRefuse(const ModuleFile& file, const LoadOnce::Load& load) {
     }
 }
 
-/// Null if there is none. Of what other languages throw there would be no pointer either.
+/// Null if nothing was thrown, or if code in another language threw it.
 std::exception_ptr GetFailure(const ModuleFile& file, const LoadOnce::Load& load) {
     try {
         LoadOrRefuse(file, load);
@@ -43,7 +43,7 @@ std::exception_ptr GetFailure(const ModuleFile& file, const LoadOnce::Load& load
 void LoadOnce::operator()(const ModuleFile& file, const Load& load) {
     Outcome& outcome = GetOutcome(file.path);
     if (outcome.loader == std::this_thread::get_id()) {
-        file.Refuse("asks for itself while it is being loaded");
+        file.Refuse("loads itself while it is being loaded");
     }
     std::call_once(outcome.once, [&] {
         outcome.plugin = file.plugin;
@@ -57,7 +57,7 @@ void LoadOnce::operator()(const ModuleFile& file, const Load& load) {
 }
 
 LoadOnce::Outcome& LoadOnce::GetOutcome(const std::string& path) {
-    const std::lock_guard lock(mutex);
+    const Lock lock(mutex);
     return outcomes[path];
 }
 

@@ -7,10 +7,10 @@
 #include "core/support/ExceptionText.h"
 #include "mediacore/StartedModules.h"
 
-namespace Tarnex {
+namespace Tarnex::Core {
 namespace {
 
-/// Offers the file to one module after the other until one takes it. Throws what all of them said.
+/// Offers the file to the modules in turn until one accepts it. If none does, throws all reasons.
 template <class Module>
 void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const char* work,
                   const std::function<bool(Module&)>& take) {
@@ -20,11 +20,11 @@ void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const
             if (take(*module)) {
                 return;
             }
-            reasons += "; a module took it and gave nothing";
+            reasons += "; a module accepted it but returned nothing";
         } catch (const std::exception& failure) {
             reasons += fmt::format("; {}", failure.what());
         } catch (...) {
-            reasons += "; " + Core::Utils::GetCurrentExceptionText();
+            reasons += "; " + Utils::GetCurrentExceptionText();
         }
     }
     throw Exception(fmt::format("No module can {} {}{}", work, path.utf8string(),
@@ -33,7 +33,7 @@ void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const
 
 }  // namespace
 
-Proc::Pointer<Proc::IStreamReader> Core::ClientAPI::OpenSource(const ioPath& path) {
+Proc::Pointer<Proc::IStreamReader> ClientAPI::OpenSource(const ioPath& path) {
     Proc::Pointer<Proc::IStreamReader> reader;
     FirstThatCan<Module::IParserModule>(GetStartedModules()->parsers, path, "open",
                                         [&](Module::IParserModule& parser) {
@@ -43,12 +43,16 @@ Proc::Pointer<Proc::IStreamReader> Core::ClientAPI::OpenSource(const ioPath& pat
     return reader;
 }
 
-void Proc::MuxerFactoryImpl::WriteFile(const ioPath& path, const Pointer<ICodedStream>& stream) {
-    FirstThatCan<Module::IMuxerModule>(Core::GetStartedModules()->muxers, path, "write",
-                                       [&](Module::IMuxerModule& muxer) {
-                                           muxer.Write(path, stream);
-                                           return true;
-                                       });
+}  // namespace Tarnex::Core
+
+namespace Tarnex::Proc {
+
+void MuxerFactoryImpl::WriteFile(const ioPath& path, const Pointer<ICodedStream>& stream) {
+    Core::FirstThatCan<Module::IMuxerModule>(Core::GetStartedModules()->muxers, path, "write",
+                                             [&](Module::IMuxerModule& muxer) {
+                                                 muxer.Write(path, stream);
+                                                 return true;
+                                             });
 }
 
-}  // namespace Tarnex
+}  // namespace Tarnex::Proc

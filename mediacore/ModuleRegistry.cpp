@@ -3,20 +3,20 @@
 #include <fmt/format.h>
 
 #include <map>
-#include <mutex>
 
+#include "core/support/Mutex.h"
 #include "mediacore/LoadOnce.h"
 #include "mediacore/SharedLibrary.h"
 
 namespace Tarnex::Core {
 namespace {
 
-/// Never destroyed: the watch-dog may end the process while a module is being loaded.
+/// Never freed: the watch-dog may end the process while a module is being loaded.
 struct Registry {
     LoadOnce once;
-    std::mutex mutex;
-    std::map<std::string, Module::Description> descriptions;  // by file; guarded by mutex
-    ShutdownHandlers handlers;                                // guarded by mutex
+    Mutex mutex;
+    std::map<std::string, Module::Description> descriptions TARNEX_GUARDED_BY(mutex);  // by file
+    ShutdownHandlers handlers TARNEX_GUARDED_BY(mutex);
 };
 
 Registry& GetRegistry() {
@@ -36,12 +36,12 @@ void RememberShutdown(const std::string& plugin, const SharedLibrary& library) {
     auto* const shutdown = library.Find<Module::ShutdownFunction>("TarnexModuleShutdown");
     if (shutdown != nullptr) {
         Registry& registry = GetRegistry();
-        const std::lock_guard lock(registry.mutex);
+        const Lock lock(registry.mutex);
         registry.handlers.emplace_back(plugin, shutdown);
     }
 }
 
-/// Implementation names become parts of keys and of lists joined by commas.
+/// Implementation names become parts of keys and of comma-separated lists.
 void RequireUsableName(const SharedLibrary& library, Module::ICodecModule& codecs) {
     const std::string implementation = codecs.GetImplementation();
     if (implementation.empty() || implementation.find_first_of(".,: \t\r\n") != std::string::npos) {
@@ -75,16 +75,16 @@ Module::Description LoadModule(const std::string& plugin) {
     const ModuleFile file = SharedLibrary::FindFile(plugin);
     registry.once(file, [&] {
         const Module::Description description = Load(file);
-        const std::lock_guard lock(registry.mutex);
+        const Lock lock(registry.mutex);
         registry.descriptions[file.path] = description;
     });
-    const std::lock_guard lock(registry.mutex);
+    const Lock lock(registry.mutex);
     return registry.descriptions[file.path];
 }
 
 ShutdownHandlers GetShutdownHandlers() {
     Registry& registry = GetRegistry();
-    const std::lock_guard lock(registry.mutex);
+    const Lock lock(registry.mutex);
     return {registry.handlers.rbegin(), registry.handlers.rend()};
 }
 

@@ -5,9 +5,9 @@
 
 namespace Tarnex::Core {
 
-/// The plugins of a factory by the `plugins.list` beside the program, which is read once; none if
-/// the list doesn't mention the factory. Throws `Tarnex::Exception` that names the file if the list
-/// is none. Thread-safe.
+/// The factory's plugins in the `plugins.list` beside the program; empty if the list doesn't name
+/// the factory. Reads the list once. Throws `Tarnex::Exception` that names the file if it can't be
+/// read or is malformed. Thread-safe.
 std::vector<std::string> GetPlugins(const std::string& factory);
 
 }  // namespace Tarnex::Core

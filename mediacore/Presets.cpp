@@ -23,7 +23,7 @@ Proc::Pointer<IDataHelper> CreateDataHelper(const std::string& keyFilter,
                                             const std::string& codecId) {
     if (keyFilter != IPreset::KEY_FILTER_VIDEO_CODEC &&
         keyFilter != IPreset::KEY_FILTER_AUDIO_CODEC) {
-        throw Exception("No presets of the kind \"" + keyFilter + "\"");
+        throw Exception("There are no presets of the kind \"" + keyFilter + "\"");
     }
     Proc::Property preset(keyFilter);
     preset.Add(Proc::Property(IPreset::ITEM_CODEC_ID, codecId));

@@ -3,7 +3,7 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
-#include <filesystem>
+#include <boost/filesystem.hpp>
 
 #include "core/media/AppLocations.h"
 #include "core/media/Factories.h"
@@ -19,8 +19,9 @@ ModuleFile SharedLibrary::FindFile(const std::string& plugin) {
     const std::string file =
         (AppLocations::GetLocations().GetApplicationDirectory() / GetPlatformModuleName(plugin))
             .utf8string();
-    std::error_code error;
-    const auto resolved = std::filesystem::canonical(file, error);
+    boost::system::error_code error;
+    // With an explicit base, because a module may have removed the working directory.
+    const auto resolved = boost::filesystem::canonical(file, "/", error);
     if (error) {
         ModuleFile{plugin, file}.Refuse(error.message());
     }

@@ -7,34 +7,34 @@ namespace Tarnex::Core {
 /// A plugin and the file of its module.
 struct ModuleFile {
     std::string plugin;
-    std::string path;  ///< links resolved, so that a module finds what lies beside it
+    std::string path;  ///< links resolved, so that the module finds the files beside it
 
-    /// Throws `Proc::CodecFactoryErrorException` with plugin, file and reason.
+    /// Throws `Proc::CodecFactoryErrorException` with the plugin, the file and the reason.
     [[noreturn]] void Refuse(const std::string& reason) const;
 };
 
-/// A plugin's module file, opened with all its symbols resolved. It stays in the process until that
-/// ends: nothing closes it, and copies are the same library.
+/// A plugin's module, opened with all symbols resolved. Never closed: modules stay loaded until the
+/// process ends. Copies refer to the same library.
 class SharedLibrary {
 public:
-    /// Throws `Proc::CodecFactoryErrorException` if there is none.
+    /// Throws `Proc::CodecFactoryErrorException` if there is no such file.
     static ModuleFile FindFile(const std::string& plugin);
 
-    /// Throws `Proc::CodecFactoryErrorException` with the dynamic loader's words.
+    /// Throws `Proc::CodecFactoryErrorException` with the dynamic loader's message.
     explicit SharedLibrary(const ModuleFile& file);
 
-    /// The function of that name, or null.
+    /// The function called `name`, or null.
     template <class Function>
     Function* Find(const char* name) const {
         return reinterpret_cast<Function*>(Symbol(name));
     }
 
-    /// The function of that name; refuses the module if it has none.
+    /// The function called `name`. Refuses the module if it has none.
     template <class Function>
     Function* Get(const char* name) const {
         Function* function = Find<Function>(name);
         if (function == nullptr) {
-            Refuse(std::string("no entry point ") + name);
+            Refuse(std::string("has no entry point ") + name);
         }
         return function;
     }

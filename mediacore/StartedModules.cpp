@@ -1,8 +1,7 @@
 #include "mediacore/StartedModules.h"
 
-#include <algorithm>
-
 #include "core/media/Factories.h"
+#include "core/support/Text.h"
 #include "mediacore/ModuleRegistry.h"
 
 namespace Tarnex::Core {
@@ -10,7 +9,7 @@ namespace {
 
 using Plugins = std::vector<std::string>;
 
-/// Null where the module fails: the plugin check is where that is reported.
+/// Null if the module fails. The plugin phase reports that, so it is ignored here.
 template <class Kind>
 Kind* TryToStart(const std::string& plugin, Kind* Module::Description::*kind) {
     try {
@@ -25,7 +24,7 @@ std::vector<Kind*> Start(const Plugins& plugins, const Plugins& disabled,
                          Kind* Module::Description::*kind) {
     std::vector<Kind*> started;
     for (const std::string& plugin : plugins) {
-        if (std::find(disabled.begin(), disabled.end(), plugin) != disabled.end()) {
+        if (Utils::Contains(disabled, plugin)) {
             continue;
         }
         if (Kind* const module = TryToStart(plugin, kind)) {

@@ -10,22 +10,22 @@
 
 namespace Tarnex::Core {
 
-/// The modules that the core has started, of each kind in the order of `plugins.list`. They belong
-/// to themselves and outlive the core.
+/// The modules that the core has started; each kind in the order of `plugins.list`. Never freed:
+/// modules stay loaded until the process ends.
 struct StartedModules {
     std::vector<Module::ICodecModule*> codecs;
     std::vector<Module::IParserModule*> parsers;
     std::vector<Module::IMuxerModule*> muxers;
 };
 
-/// Starts the modules of all three kinds except those of the plugins named. One that fails is left
-/// out. Throws `Tarnex::Exception` if the lists of plugins can't be read.
+/// Starts the modules of all three kinds, except those of `disabledPlugins`. Skips modules that
+/// fail. Throws `Tarnex::Exception` if the plugin lists can't be read.
 StartedModules StartModules(const std::vector<std::string>& disabledPlugins);
 
-/// What the core has started; nothing while it isn't up. Thread-safe.
+/// The modules of the started core; empty if the core isn't started. Thread-safe.
 TARNEX_API std::shared_ptr<const StartedModules> GetStartedModules();
 
-/// The codec factory over these modules.
+/// Creates a codec factory that uses `modules`.
 Proc::Pointer<Proc::ICodecFactory> CreateCodecFactory(
     std::shared_ptr<const StartedModules> modules);
 

@@ -3,23 +3,21 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 #include <cstdlib>
-#include <filesystem>
-
-#include "platform/WideText.h"
 
 namespace Tarnex::Platform {
 
-std::optional<std::wstring> GetEnvironment(const std::wstring& name) {
-    const char* value = std::getenv(Narrow(name).c_str());
+std::optional<std::string> GetEnvironment(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
     if (value == nullptr || *value == '\0') {
         return std::nullopt;
     }
-    return Widen(value);
+    return value;
 }
 
-bool SetEnvironment(const std::wstring& name, const std::wstring& value) {
-    return setenv(Narrow(name).c_str(), Narrow(value).c_str(), 1) == 0;
+bool SetEnvironment(const std::string& name, const std::string& value) {
+    return setenv(name.c_str(), value.c_str(), 1) == 0;
 }
 
 std::vector<std::string> GetEnvironmentWithout(const std::vector<std::string>& beginnings) {
@@ -34,8 +32,8 @@ std::vector<std::string> GetEnvironmentWithout(const std::vector<std::string>& b
     return variables;
 }
 
-std::wstring GetProgramPath() {
-    return Widen(std::filesystem::read_symlink("/proc/self/exe").native());
+std::string GetProgramPath() {
+    return boost::filesystem::read_symlink("/proc/self/exe").string();
 }
 
 }  // namespace Tarnex::Platform

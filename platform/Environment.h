@@ -6,17 +6,19 @@
 
 namespace Tarnex::Platform {
 
-/// A variable of this process. One that is set to nothing counts as not set.
-std::optional<std::wstring> GetEnvironment(const std::wstring& name);
+/// The value of an environment variable. An empty value counts as not set.
+[[nodiscard]] std::optional<std::string> GetEnvironment(const std::string& name);
 
-/// Sets a variable of this process and of the processes that it starts. Not to be called while
-/// another thread may read the environment. False if the system refuses the name or the value.
-bool SetEnvironment(const std::wstring& name, const std::wstring& value);
+/// Sets a variable for this process and for the processes it starts. Don't call this while another
+/// thread may read the environment. Returns false if the system refuses the name or the value.
+bool SetEnvironment(const std::string& name, const std::string& value);
 
-/// All variables of this process, as "NAME=value", but those that begin so.
-std::vector<std::string> GetEnvironmentWithout(const std::vector<std::string>& beginnings);
+/// All variables of this process, as "NAME=value", except those that begin with one of these texts.
+[[nodiscard]] std::vector<std::string> GetEnvironmentWithout(
+    const std::vector<std::string>& beginnings);
 
-/// The file of the running program, symbolic links resolved. Throws `std::system_error`.
-std::wstring GetProgramPath();
+/// The path of the running program, symbolic links resolved. Throws
+/// `boost::filesystem::filesystem_error`.
+[[nodiscard]] std::string GetProgramPath();
 
 }  // namespace Tarnex::Platform

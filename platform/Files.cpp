@@ -4,12 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <boost/filesystem.hpp>
 #include <cerrno>
-#include <filesystem>
 #include <optional>
-#include <system_error>
-
-#include "platform/WideText.h"
 
 namespace Tarnex::Platform {
 namespace {
@@ -29,55 +26,34 @@ std::optional<std::chrono::system_clock::time_point> CreationTime(const std::str
     return ToTimePoint(known ? status.stx_btime : status.stx_ctime);
 }
 
-bool MakeParents(const std::filesystem::path& path) {
-    std::error_code error;
-    if (path.has_parent_path()) {
-        std::filesystem::create_directories(path.parent_path(), error);
-    }
-    return !error;
-}
-
-std::filesystem::path WithoutTrailingSeparator(const std::wstring& path) {
-    return Narrow(path.substr(0, path.find_last_not_of(PATH_SEPARATOR) + 1));
-}
-
 }  // namespace
 
-bool IsDirectory(const std::wstring& path) {
-    std::error_code ignored;
-    return std::filesystem::is_directory(Narrow(path), ignored);
+bool CreateDirectories(const std::string& path) {
+    const boost::filesystem::path directory =
+        path.substr(0, path.find_last_not_of(PATH_SEPARATOR) + 1);
+    boost::system::error_code ignored;  // If this fails, so does the last step.
+    boost::filesystem::create_directories(directory.parent_path(), ignored);
+    return mkdir(directory.c_str(), 0777) == 0 || errno == EEXIST;
 }
 
-Created CreateDirectories(const std::wstring& path) {
-    const std::filesystem::path directory = WithoutTrailingSeparator(path);
-    if (!MakeParents(directory)) {
-        return Created::Failed;
-    }
-    if (mkdir(directory.c_str(), 0777) == 0) {
-        return Created::Done;
-    }
-    return errno == EEXIST ? Created::Exists : Created::Failed;
-}
-
-std::vector<FoundFile> FindFiles(const std::wstring& directory, const std::wstring& prefix) {
+std::vector<FoundFile> FindFiles(const std::string& directory, const std::string& prefix) {
     std::vector<FoundFile> found;
-    const std::string narrowPrefix = Narrow(prefix);
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(Narrow(directory), error), end;
-         !error && entry != end; entry.increment(error)) {
-        const std::string name = entry->path().filename().native();
-        if (!name.starts_with(narrowPrefix)) {
+    boost::system::error_code error;
+    for (boost::filesystem::directory_iterator entry(directory, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (!name.starts_with(prefix)) {
             continue;
         }
-        if (const auto created = CreationTime(entry->path().native())) {
-            found.push_back({Widen(name), *created});
+        if (const auto created = CreationTime(entry->path().string())) {
+            found.push_back({name, *created});
         }
     }
     return found;
 }
 
-bool RemoveFile(const std::wstring& path) {
-    return unlink(Narrow(path).c_str()) == 0;
+bool RemoveFile(const std::string& path) {
+    return unlink(path.c_str()) == 0;
 }
 
 }  // namespace Tarnex::Platform

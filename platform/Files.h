@@ -6,30 +6,23 @@
 
 namespace Tarnex::Platform {
 
-inline constexpr wchar_t PATH_SEPARATOR = L'/';
+inline constexpr char PATH_SEPARATOR = '/';
 
-/// Whether the path exists and is a directory.
-bool IsDirectory(const std::wstring& path);
-
-enum class Created {
-    Done,
-    Exists,  ///< something of this name is there already, be it a directory or not
-    Failed
-};
-
-/// Makes a directory with all its missing parents.
-Created CreateDirectories(const std::wstring& path);
+/// Creates a directory and its missing parents. Also true if anything with this name exists
+/// already, whether it is a directory or not.
+[[nodiscard]] bool CreateDirectories(const std::string& path);
 
 struct FoundFile {
-    std::wstring name;
+    std::string name;
     std::chrono::system_clock::time_point created;
 };
 
-/// The entries of a directory whose names begin with `prefix`; none where it can't be read. Where
-/// the file system doesn't keep the time of creation, it is that of the last change.
-std::vector<FoundFile> FindFiles(const std::wstring& directory, const std::wstring& prefix);
+/// The entries of a directory whose names begin with `prefix`; empty if it can't be read. `created`
+/// is the time of the last change if the file system doesn't store the time of creation.
+[[nodiscard]] std::vector<FoundFile> FindFiles(const std::string& directory,
+                                               const std::string& prefix);
 
-/// Removes a file or a link, never a directory. False if the file is still there.
-bool RemoveFile(const std::wstring& path);
+/// Removes a file or a link, but never a directory. Returns false if it couldn't be removed.
+bool RemoveFile(const std::string& path);
 
 }  // namespace Tarnex::Platform

@@ -19,6 +19,7 @@ void EndAtOnce(int) {
 
 void EndProcess(int code) {
     exitCode = code;
+    // Each is the end of a fault "hang-then-..." in the tests of whole processes.
     for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
         std::signal(fault, EndAtOnce);
     }

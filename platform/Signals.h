@@ -2,8 +2,8 @@
 
 namespace Tarnex::Platform {
 
-/// Lets a write that can't be done (a file that would exceed its limit, a pipe without a reader)
-/// fail instead of ending the process. Holds for the whole process.
+/// Makes impossible writes (to a file at its size limit, to a pipe without a reader) fail instead
+/// of ending the process. Affects the whole process.
 void IgnoreWriteSignals();
 
 }  // namespace Tarnex::Platform

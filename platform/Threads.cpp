@@ -43,7 +43,7 @@ bool Semaphore::WaitUntil(std::chrono::steady_clock::time_point time) {
 }
 
 std::thread StartShieldedThread(std::function<void()> task) {
-    // A new thread inherits the mask, so there is no moment at which it would take a signal.
+    // A new thread inherits the mask, so it can't receive a signal at any moment.
     const SignalsBlocked blocked;
     return std::thread(std::move(task));
 }

@@ -8,8 +8,8 @@
 
 namespace Tarnex::Platform {
 
-/// A counting semaphore whose waits run on the monotonic clock. Holds no lock that a stopped thread
-/// could keep, allocates nothing, and gives no wake-up for nothing. Thread-safe.
+/// A counting semaphore that waits by the monotonic clock. It has no lock that a stopped thread
+/// could hold, allocates nothing, and has no spurious wake-ups. Thread-safe.
 class Semaphore {
 public:
     Semaphore() { sem_init(&semaphore, 0, 0); }
@@ -21,14 +21,14 @@ public:
     void Post() { sem_post(&semaphore); }
     void Wait();
 
-    /// False if there was no post until then.
-    bool WaitUntil(std::chrono::steady_clock::time_point time);
+    /// Returns false if nothing was posted until `time`.
+    [[nodiscard]] bool WaitUntil(std::chrono::steady_clock::time_point time);
 
 private:
     sem_t semaphore;
 };
 
-/// Runs `task` on a new thread that takes no signals. Throws `std::system_error`.
+/// Runs `task` on a new thread that receives no signals. Throws `std::system_error`.
 std::thread StartShieldedThread(std::function<void()> task);
 
 }  // namespace Tarnex::Platform

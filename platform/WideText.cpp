@@ -20,8 +20,8 @@ bool IsEscapedByte(char32_t code) {
 
 struct Sequence {
     std::size_t length;
-    char32_t bits;      // what the first byte carries
-    char32_t smallest;  // what needs this length
+    char32_t bits;      // payload of the first byte
+    char32_t smallest;  // the smallest code point that needs this length
 };
 
 Sequence Begin(unsigned char first) {
@@ -40,7 +40,7 @@ Sequence Begin(unsigned char first) {
     return {0, 0, 0};
 }
 
-/// The code point at the start of `text` and its length, which is 0 where there is no valid one.
+/// The code point at the start of `text` and its length. The length is 0 if it isn't valid UTF-8.
 Sequence Decode(std::string_view text) {
     Sequence sequence = Begin(static_cast<unsigned char>(text.front()));
     if (sequence.length == 0 || sequence.length > text.size()) {

@@ -5,15 +5,15 @@
 
 namespace Tarnex::Platform {
 
-/// UTF-8 to wide text. A byte that isn't part of valid UTF-8 (overlong forms, surrogates and what
-/// lies beyond U+10FFFF are none) becomes the lone surrogate 0xDC00 plus the byte, so that `Narrow`
-/// gives every text back unchanged.
-std::wstring Widen(std::string_view text);
+/// Converts UTF-8 to wide text. A byte outside valid UTF-8 becomes the lone surrogate 0xDC00 plus
+/// the byte, so that `Narrow` restores any text unchanged. Overlong forms, surrogates and code
+/// points above U+10FFFF aren't valid.
+[[nodiscard]] std::wstring Widen(std::string_view text);
 
-/// Wide text to UTF-8. U+DC80 to U+DCFF become single bytes; what else can't be written in UTF-8
-/// becomes U+FFFD.
-std::string Narrow(std::wstring_view text);
+/// Converts wide text to UTF-8. U+DC80 to U+DCFF become single bytes. Everything else that UTF-8
+/// can't represent becomes U+FFFD.
+[[nodiscard]] std::string Narrow(std::wstring_view text);
 
-bool IsUtf8(std::string_view text);
+[[nodiscard]] bool IsUtf8(std::string_view text);
 
 }  // namespace Tarnex::Platform

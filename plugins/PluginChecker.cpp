@@ -9,6 +9,7 @@
 #include "core/media/PluginFactories.h"
 #include "core/support/Constants.h"
 #include "core/support/ExceptionText.h"
+#include "core/support/Text.h"
 #include "core/support/ioPath.h"
 #include "reporting/Logging.h"
 
@@ -17,7 +18,7 @@ namespace {
 
 using Loader = std::function<void(const std::string&)>;
 
-/// Empty for a factory that isn't known.
+/// Empty for an unknown factory.
 Loader GetLoader(const std::string& factory) {
     if (factory == CODEC_FACTORY) {
         return [](const std::string& plugin) { Proc::CodecFactoryImpl::TryToLoadModule(plugin); };
@@ -38,7 +39,7 @@ Loader GetLoader(const std::string& factory) {
         return [](const std::string& plugin) { Proc::ParserFactoryImpl::TryToLoadModule(plugin); };
     }
     if (factory == OGL_MANAGER) {
-        // No module out of a list: it shows that the machine's OpenGL can be started and stopped.
+        // Needs no module from a list: it shows whether this machine's OpenGL starts and stops.
         return [](const std::string&) {
             Ogl::OglManager& manager = Ogl::OglManager::GetInstance();
             manager.Initialize();
@@ -46,10 +47,6 @@ Loader GetLoader(const std::string& factory) {
         };
     }
     return {};
-}
-
-bool Contains(const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 bool HasModuleFile(const std::string& plugin) {
@@ -115,12 +112,14 @@ std::vector<PluginChecker::PluginRecord> PluginChecker::SelectPluginsToCheck() c
         if (HasModuleFile(record.name)) {
             selection.push_back(record);
         } else {
+            // Contract: parents match this text; keep it verbatim.
             LogTagged(WARNING_TAG, "Can't find plugin " + record.name);
         }
     });
     return selection;
 }
 
+// Contract: parents match the texts below; keep them verbatim.
 void PluginChecker::CheckPlugin(const PluginRecord& record) {
     if (IsKnownBroken(record.name)) {
         RecordFailure(record.name, record.name + ": \nTest Error\n");

@@ -5,36 +5,37 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The plugin phase: loads every plugin of the media core into this process, one by one, and keeps
-/// the names of those that fail. Used once: built, given its inputs, run by `Check`, read.
-/// Thread-bound.
+/// The plugin phase: loads each of the media core's plugins into this process, one by one, and
+/// keeps the names of those that fail. Use it once: construct it, set its inputs, call `Check`,
+/// read the results. Thread-bound.
 class PluginChecker {
 public:
-    /// Plugins that are reported as broken without being loaded.
+    /// Plugins to report as broken without loading them.
     void SetKnownBrokenPlugins(const std::vector<std::string>& plugins);
 
-    /// The walk begins behind the first plugin of this name; with a name that no factory lists,
-    /// nothing is walked.
+    /// Makes `Check` begin after the first plugin of this name. If no factory lists the name,
+    /// `Check` checks nothing.
     void SetLastFailedLoadPlugin(const std::string& plugin);
 
-    /// Loads what is to be checked and writes each finding as a tagged line when it is made, each
-    /// name before its load. What a load throws is a finding; what anything else throws (a factory
-    /// that can't list its plugins) passes through.
+    /// Loads the plugins. Logs each name before its load and each finding at once, as records. What
+    /// a load throws is a finding. Any other exception (a factory can't list its plugins) is passed
+    /// on.
     void Check();
 
-    /// The plugins that count as broken, in the order of their failures.
+    /// The broken plugins, in the order of their failures.
     std::vector<std::string> GetBrokenPlugins() const { return brokenPlugins; }
 
-    /// The failure texts, one behind the other.
+    /// All failure texts, one after the other.
     std::string GetErrorInfo() const { return errorInfo; }
 
-    /// All plugins that failed, the tolerated ones included, in the order of their failures.
+    /// All failed plugins, including those whose failure is tolerated, in the order of their
+    /// failures.
     std::vector<std::string> GetFailedPlugins() const { return failedPlugins; }
 
-    /// The plugins whose failure is tolerated.
+    /// The failed plugins whose failure is tolerated.
     std::vector<std::string> GetWhiteBrokenPlugins() const { return whiteBrokenPlugins; }
 
-    /// The names of all plugins, whether or not they are checked in this run.
+    /// The names of all plugins, even of those that this run doesn't check.
     std::vector<std::string> GetAllPlugins() const;
 
 private:

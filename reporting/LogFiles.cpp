@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <optional>
 
 #include "platform/Environment.h"
 #include "platform/Files.h"
@@ -15,51 +14,33 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-constexpr char COMPANY[] = "Tarnex";
+constexpr char LOGS_BELOW_DATA[] = "/Tarnex/Logs/";
 
-/// What glog adds to a stem, at its longest, and what file systems take.
+/// The longest text that glog adds to a stem, and the longest name that file systems allow.
 constexpr std::size_t LONGEST_ADDITION = sizeof(".WARNING.20261231-235959.4194304") - 1;
 constexpr std::size_t LONGEST_NAME = 255;
 
-std::wstring Behind(const std::wstring& text, wchar_t separator) {
+std::string After(const std::string& text, char separator) {
     return text.substr(text.rfind(separator) + 1);
 }
 
-std::wstring ReduceProductName(const std::wstring& productName) {
-    const std::wstring name =
+std::string ReduceProductName(const std::string& productName) {
+    const std::string name =
         productName.empty()
-            ? Platform::GetEnvironment(L"GLOG_PRODUCT_NAME").value_or(L"UnknownProduct")
+            ? Platform::GetEnvironment("GLOG_PRODUCT_NAME").value_or("UnknownProduct")
             : productName;
-    return Behind(Behind(name, L'\\'), L'/');
+    return After(After(name, '\\'), '/');
 }
 
-/// With a separator at its end.
-std::optional<std::wstring> LogDirectory(const std::wstring& product) {
-    std::optional<std::wstring> directory = Platform::GetEnvironment(L"LOCALAPPDATA");
-    if (directory) {
-        for (const std::wstring& name :
-             {Platform::Widen(COMPANY), std::wstring(L"Logs"), product}) {
-            *directory += Platform::PATH_SEPARATOR + name;
-        }
-        *directory += Platform::PATH_SEPARATOR;
-    }
-    return directory;
+std::string ProgramName() {
+    const std::string file = After(Platform::GetProgramPath(), Platform::PATH_SEPARATOR);
+    return file.substr(0, file.rfind('.'));
 }
 
-bool ProvideDirectory(const std::wstring& directory) {
-    return Platform::IsDirectory(directory) ||
-           Platform::CreateDirectories(directory) != Platform::Created::Failed;
-}
-
-std::wstring ProgramName() {
-    const std::wstring file = Behind(Platform::GetProgramPath(), Platform::PATH_SEPARATOR);
-    return file.substr(0, file.rfind(L'.'));
-}
-
-/// The user becomes part of a file name.
-std::wstring UserName() {
-    std::wstring user = Platform::GetEnvironment(L"USERNAME").value_or(L"UNKNOWN");
-    std::replace(user.begin(), user.end(), Platform::PATH_SEPARATOR, L'_');
+/// The user's name, as a part of a file name.
+std::string UserName() {
+    std::string user = Platform::GetEnvironment("USERNAME").value_or("UNKNOWN");
+    std::replace(user.begin(), user.end(), Platform::PATH_SEPARATOR, '_');
     return user;
 }
 
@@ -70,9 +51,9 @@ void SetLogDestinations(const std::string& stem, std::int32_t minSeverity) {
     }
 }
 
-void StartLogging(const std::wstring& product) {
-    // glog keeps the pointer, and a second start would abort.
-    static const std::string& name = *new std::string(Platform::Narrow(product));
+void StartLogging(const std::string& product) {
+    // glog keeps the pointer. It aborts at a second start.
+    static const std::string& name = *new std::string(product);
     if (!google::IsGoogleLoggingInitialized()) {
         google::InitGoogleLogging(name.c_str());
     }
@@ -87,21 +68,22 @@ bool InitLogging(const std::string& productName, std::int32_t minSeverity,
 
 bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
                  std::int64_t maxAgeDays) {
-    // A full log or a parent that has stopped reading is no reason to end the run.
+    // A full disk or a parent that stopped reading must not end the run.
     Platform::IgnoreWriteSignals();
-    const std::wstring product = ReduceProductName(productName);
-    const std::optional<std::wstring> directory = LogDirectory(product);
-    if (!directory || !ProvideDirectory(*directory)) {
+    const std::string product = ReduceProductName(Platform::Narrow(productName));
+    const auto data = Platform::GetEnvironment("LOCALAPPDATA");
+    if (!data) {
         return false;
     }
-    const std::wstring program = ProgramName();
-    const std::wstring name = program + L"." + UserName();
-    if (Platform::Narrow(name).size() + LONGEST_ADDITION > LONGEST_NAME) {
+    const std::string directory = *data + LOGS_BELOW_DATA + product + Platform::PATH_SEPARATOR;
+    const std::string program = ProgramName();
+    const std::string name = program + "." + UserName();
+    if (!Platform::CreateDirectories(directory) || name.size() + LONGEST_ADDITION > LONGEST_NAME) {
         return false;
     }
-    DeleteOldLogs(*directory, program, LogAgeLimit(std::chrono::system_clock::now(), maxAgeDays));
-    Platform::SetEnvironment(L"TarnexLogPath", *directory);
-    SetLogDestinations(Platform::Narrow(*directory + name), minSeverity);
+    DeleteOldLogs(directory, program, LogAgeLimit(std::chrono::system_clock::now(), maxAgeDays));
+    Platform::SetEnvironment("TarnexLogPath", directory);
+    SetLogDestinations(directory + name, minSeverity);
     StartLogging(product);
     return true;
 }

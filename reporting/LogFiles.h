@@ -7,27 +7,28 @@ namespace Tarnex::Core::Utils {
 
 /// Starts logging to one file for each severity, in
 /// LOCALAPPDATA/Tarnex/Logs/<productName>/<program>.<USERNAME>.<SEVERITY>.<time>.<process>, with
-/// "_" for each separator in the user's name.
-/// Deletes this program's older logs there and publishes the directory as TarnexLogPath in the
-/// environment. To be called before there are other threads.
+/// any separator in the user's name replaced by "_".
+/// Deletes this program's older logs there and sets TarnexLogPath in the environment to the
+/// directory. Call it before there are other threads.
 ///
-/// `productName` is UTF-8; only what follows its last separator counts, and if it is empty, the
-/// variable GLOG_PRODUCT_NAME stands for it. Severities (0 to 3, glog's) below `minSeverity` get no
-/// file. Files that were created more than `maxAgeDays` days ago are old.
+/// Only the part of `productName` (UTF-8) after its last separator counts. If `productName` is
+/// empty, the variable GLOG_PRODUCT_NAME is used instead. Severities (glog's, 0 to 3) below
+/// `minSeverity` get no file. A log is old if it was created more than `maxAgeDays` days ago.
 ///
-/// False if there is no place for the files: LOCALAPPDATA isn't set, the directory can't be made,
-/// or the names would be too long. All lines go to standard error then, and nowhere else.
-bool InitLogging(const std::string& productName, std::int32_t minSeverity, std::int64_t maxAgeDays);
+/// Returns false if the files have no place: LOCALAPPDATA isn't set, the directory can't be
+/// created, or the names would be too long. Then everything is logged to standard error only.
+[[nodiscard]] bool InitLogging(const std::string& productName, std::int32_t minSeverity,
+                               std::int64_t maxAgeDays);
 
-/// The same for a wide name.
-bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
-                 std::int64_t maxAgeDays);
+/// Does the same for a wide name.
+[[nodiscard]] bool InitLogging(const std::wstring& productName, std::int32_t minSeverity,
+                               std::int64_t maxAgeDays);
 
-/// Writes what is buffered: the lines of INFO severity and the INFO file's copies of the others.
-/// Takes glog's lock, which a thread that was stopped may hold for good.
+/// Writes what is buffered: lines of INFO severity, and the copies of other lines in the INFO file.
+/// Takes glog's lock, which a stopped thread may hold forever.
 void FlushLogFiles();
 
-/// Closes the log files; lines go to standard error from here on. Nothing if there are none.
+/// Closes the log files. Later lines go to standard error. Does nothing without log files.
 void ShutdownLogging();
 
 }  // namespace Tarnex::Core::Utils

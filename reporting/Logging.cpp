@@ -12,17 +12,17 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-std::atomic<bool> isOver = false;
+std::atomic<bool> isOver = false;  // See the fault "hang-until-exit" of the process tests.
 
 void Write(const std::string& tag, const std::string& message) {
     const std::string text = fmt::format("[{}]{}[/{}]", tag, message, tag);
-    // The line number in glog's prefix tells the branch.
+    // One call for each branch: the line number in glog's prefix tells them apart.
     if (tag == ERROR_TAG) {
         google::LogMessage(__FILE__, __LINE__, google::GLOG_ERROR).stream() << text;
     } else if (tag == WARNING_TAG) {
         google::LogMessage(__FILE__, __LINE__, google::GLOG_WARNING).stream() << text;
     } else {
-        // Progress too: a module may end the process before a buffered line is out.
+        // Not buffered, because a module may end the process at any time.
         google::LogMessage(__FILE__, __LINE__, google::GLOG_ERROR).stream() << text;
     }
 }

@@ -4,14 +4,14 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Writes "[tag]message[/tag]" to the log, the message as it is. Lines of `WARNING_TAG` leave at
-/// WARNING severity, all others at ERROR severity, which is written at once and reaches standard
-/// error too. Thread-safe: one call gives one whole record.
+/// Logs the record "[tag]message[/tag]", with the message unchanged. Records of `WARNING_TAG` have
+/// WARNING severity. All others have ERROR severity: they are written at once, to standard error
+/// too. Thread-safe: each call writes one whole record.
 void LogTagged(const std::string& tag, const std::string& message);
 
-/// The same for the last record of a process that this thread is about to end. Any other thread
-/// that calls `LogTagged` later stays there for good: the end may release it from a module that
-/// hung, and then it mustn't claim that all went well.
+/// Logs the last record of a process that the calling thread is about to end. From then on, any
+/// other thread that calls `LogTagged` stays there forever: the end may release a thread from a
+/// hanging module, and that thread must not report success.
 void LogLastTagged(const std::string& tag, const std::string& message);
 
 }  // namespace Tarnex::Core::Utils

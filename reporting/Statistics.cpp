@@ -20,15 +20,11 @@ using Names = std::vector<std::string>;
 
 constexpr std::size_t LONGEST_ERROR_INFO = 10240;  // bytes
 
-bool Contains(const Names& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 std::string Join(const Names& names) {
     return fmt::format("{}", fmt::join(names, ","));
 }
 
-/// Always with a point and six decimals, whatever locale a module has set.
+/// Formats with a point and six decimals, whatever locale a module has set.
 std::string Seconds(std::chrono::nanoseconds time) {
     return fmt::format("{:f}", ToFPSeconds(time));
 }
@@ -43,6 +39,7 @@ StatisticInfo::Section Verdicts(const Names& codecs, const Names& broken) {
 
 }  // namespace
 
+// Contract: parents match the names of sections and keys; keep them verbatim.
 StatisticInfo GetPluginStatistics(const PluginChecker& checker, const Names& brokenPlugins) {
     Names success = checker.GetAllPlugins();
     const auto unsuccess = std::stable_partition(

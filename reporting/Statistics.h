@@ -12,17 +12,17 @@ namespace Tarnex::Core::Utils {
 class CodecChecker;
 class PluginChecker;
 
-/// Writes the one line that sums up a run: what the checkers found and how long the phases took.
-/// To be called once, when both checkers are done.
+/// Logs the record that sums up a run: what the checkers found and how long the phases took. Call
+/// it once, after both checkers have finished.
 void ReportStatistics(const PluginChecker& pluginChecker, const CodecChecker& codecChecker,
                       const BrokenPlugins& brokenPlugins, const BrokenCodecs& brokenCodecs);
 
-/// The section of the plugins; an empty record if none failed.
+/// The plugins' section; no section if no plugin failed.
 StatisticInfo GetPluginStatistics(const PluginChecker& checker,
                                   const std::vector<std::string>& brokenPlugins);
 
-/// A section for each option key that was tested and has broken codecs, with "YES" for each codec
-/// of that key that works and "NO" for each that doesn't.
+/// One section for each tested option key that has broken codecs: "YES" for each codec of the key
+/// that works, "NO" for each that doesn't.
 StatisticInfo GetCodecStatistics(const CodecChecker& checker, const BrokenCodecs& brokenCodecs);
 
 }  // namespace Tarnex::Core::Utils

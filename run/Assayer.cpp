@@ -29,7 +29,7 @@ constexpr int MAX_LOG_AGE_DAYS = 10;
 
 static_assert(EXIT_TIMED_OUT == WatchDog::EXIT_CODE);
 
-/// A run without log files is still a run: its lines stand on standard error.
+/// Without log files the run goes on: all lines go to standard error.
 void StartLogging() {
     static_cast<void>(InitLogging(PRODUCT_NAME, MIN_LOG_SEVERITY, MAX_LOG_AGE_DAYS));
 }
@@ -37,9 +37,10 @@ void StartLogging() {
 /// Ends the process from the watch-dog's thread, whatever the main thread is doing.
 void OnExpiry() {
     try {
+        // Contract: parents match this text; keep it verbatim.
         LogLastTagged(ERROR_TAG, "Assayer closed by WatchDog!");
         FlushLogFiles();
-    } catch (...) {  // NOLINT(bugprone-empty-catch): the end must come all the same.
+    } catch (...) {  // NOLINT(bugprone-empty-catch): the process has to end in any case.
     }
     Platform::EndProcess(EXIT_TIMED_OUT);
 }

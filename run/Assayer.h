@@ -2,8 +2,9 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The whole run, from the arguments (UTF-8, may be changed) to the exit code of the process. To be
-/// called once, on the main thread. Nothing is thrown. The watch-dog may end the process instead.
-int Assayer(int argc, char** argv);
+/// The whole run: takes the arguments (UTF-8; it may change them) and returns the process's exit
+/// code. Call it once, on the main thread. Throws nothing. The watch-dog may end the process
+/// instead.
+[[nodiscard]] int Assayer(int argc, char** argv);
 
 }  // namespace Tarnex::Core::Utils

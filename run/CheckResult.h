@@ -7,7 +7,7 @@
 
 namespace Tarnex::Core::Utils {
 
-/// What both phases found.
+/// The findings of both phases.
 struct CheckResult {
     std::string errorInfo;  ///< failure texts of the plugin phase, then of the codec phase
     BrokenCodecs brokenCodecs;

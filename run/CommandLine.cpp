@@ -17,7 +17,7 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-/// Positions of the arguments; the program's name stands at 0.
+/// Positions of the arguments; the program's name is at 0.
 enum Position {
     CHECK_TYPE = 1,
     TIMEOUT = 2,
@@ -31,6 +31,7 @@ enum Position {
     MULTITHREADING = 10
 };
 
+// Contract: parents match this text, its repeated example included; keep it verbatim.
 constexpr char USAGE[] =
     "\n"
     "\tAssayer options:\n"
@@ -47,14 +48,14 @@ constexpr char USAGE[] =
     "\t\tAssayer all 60 \"MEDIA_FOUNDATION_IMPL\" C:\\brokenPlugins.txt C:\\brokenCodecs.txt\n"
     "\t\tAssayer all 60 \"MEDIA_FOUNDATION_IMPL\" - C:\\brokenCodecs.txt\n";
 
-/// The arguments by position; an absent one is empty.
+/// The arguments by position. A missing one is empty.
 class Arguments {
 public:
     Arguments(int argc, char** argv) : count(argc), values(argv) {}
 
     std::string Get(Position position) const { return position < count ? values[position] : ""; }
 
-    /// The same for positions where a placeholder means nothing.
+    /// Like `Get`, but a placeholder counts as missing.
     std::string GetOptional(Position position) const {
         std::string text = Get(position);
         return text == EMPTY_VALUE ? std::string() : text;
@@ -65,6 +66,7 @@ private:
     char** values;
 };
 
+// Contract: parents match the reasons of refusals; keep them verbatim.
 bool Refuse(const char* reason) {
     LogTagged(ERROR_TAG, reason);
     return false;
@@ -75,8 +77,8 @@ bool RefuseWrongCount(int argc) {
     return false;
 }
 
-/// The semantics and texts of a standard conversion, written out because the texts differ between
-/// standard libraries and a parent reads them.
+/// Converts as `std::stoll` does, with fixed error texts: parents read them, and standard libraries
+/// differ.
 std::int64_t ToNumber(const std::string& text) {
     char* end = nullptr;
     errno = 0;
@@ -88,15 +90,6 @@ std::int64_t ToNumber(const std::string& text) {
         BOOST_THROW_EXCEPTION(std::out_of_range("stoll argument out of range"));
     }
     return number;
-}
-
-std::vector<std::string> SplitAtCommas(const std::string& text) {
-    std::vector<std::string> elements;
-    std::istringstream stream(text);
-    for (std::string element; std::getline(stream, element, ',');) {
-        elements.push_back(TrimAll(element));
-    }
-    return elements;
 }
 
 const std::string& Identity(const std::string& text) {
@@ -119,7 +112,7 @@ std::string JoinWithDelimiter(const std::vector<std::string>& list, const std::s
 
 using PathAction = std::function<void(const ioPath&)>;
 
-/// A file that is really named like the placeholder is a file.
+/// An existing file with the name of the placeholder counts as a file.
 void LoadListFile(const std::string& text, const PathAction& found, const PathAction& missing) {
     const ioPath path(text);
     if (path.empty()) {
@@ -133,10 +126,11 @@ void LoadListFile(const std::string& text, const PathAction& found, const PathAc
 }
 
 void WarnMissing(const ioPath& path) {
+    // Contract: parents match this text; keep it verbatim.
     LogTagged(WARNING_TAG, "Can't find path: " + path.utf8string());
 }
 
-/// The names of a plugin list file, joined; empty if there is none.
+/// The names in a plugin list file, joined. Empty if there is no such file.
 std::string LoadBrokenPlugins(const std::string& argument) {
     std::string joined;
     LoadListFile(
@@ -149,7 +143,7 @@ std::string LoadBrokenPlugins(const std::string& argument) {
     return joined;
 }
 
-/// A codec list file with its keys, as text; empty if there is none.
+/// A codec list file as text, with its keys. Empty if there is no such file.
 std::string LoadBrokenCodecs(const std::string& argument) {
     std::string text;
     LoadListFile(
@@ -195,7 +189,7 @@ bool ParseCommandLine(int argc, char** argv, Config& config) {
     const bool isMultithreaded =
         argc == MULTITHREADING + 1 && arguments.GetOptional(MULTITHREADING) == "1";
 
-    // The number comes last, so that what is wrong with the list files is told in any case.
+    // The time-out is converted last, so that problems of the list files are reported in any case.
     Config parsed;
     parsed.checkTimeoutInSeconds = ToNumber(timeoutText);
     parsed.checkType = checkType;

@@ -10,15 +10,15 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The orders of a run.
+/// What a run has to do.
 struct Config {
     CheckType checkType;
-    BrokenPlugins brokenPlugins;  ///< known to the parent already
-    BrokenCodecs brokenCodecs;    ///< known to the parent already
+    BrokenPlugins brokenPlugins;  ///< already known to the parent
+    BrokenCodecs brokenCodecs;    ///< already known to the parent
     std::int64_t checkTimeoutInSeconds = 0;
     std::vector<std::string> verifiableCodecImpls;
     std::vector<std::string> verifiableCodecs;
-    std::string extraDisabledPlugins;  ///< names joined by commas; used at the core's start alone
+    std::string extraDisabledPlugins;  ///< names joined by commas; only for the start of the core
     std::string lastFailedLoadPlugin;
     std::string lastFailedCodecsTest;
     bool isUsingMultithreadingCodecChecking = false;

@@ -1,5 +1,5 @@
-// Read from the executable by the loader of the Direct3D 12 runtime, which takes the version of the
-// runtime that lies in this folder, relative to the executable, over the system's own.
+// The loader of the Direct3D 12 runtime reads these exports of the executable. It then prefers the
+// runtime of this version in this folder, relative to the executable, to the system's.
 
 extern "C" {
 

@@ -5,27 +5,27 @@
 namespace Tarnex::Core::Utils {
 namespace {
 
-void SetUnlessSet(const wchar_t* name, const wchar_t* value) {
+void SetUnlessSet(const char* name, const char* value) {
     if (!Platform::GetEnvironment(name)) {
         Platform::SetEnvironment(name, value);
     }
 }
 
-const wchar_t* ChoosePlatform() {
-    if (Platform::GetEnvironment(L"WAYLAND_DISPLAY")) {
-        return L"wayland;xcb;offscreen";
+const char* ChoosePlatform() {
+    if (Platform::GetEnvironment("WAYLAND_DISPLAY")) {
+        return "wayland;xcb;offscreen";
     }
-    if (Platform::GetEnvironment(L"DISPLAY")) {
-        return L"xcb;offscreen";
+    if (Platform::GetEnvironment("DISPLAY")) {
+        return "xcb;offscreen";
     }
-    return L"offscreen";
+    return "offscreen";
 }
 
 }  // namespace
 
 void PrepareQtEnvironment() {
-    SetUnlessSet(L"QT_QPA_PLATFORM", ChoosePlatform());
-    SetUnlessSet(L"QT_LOGGING_RULES", L"*.info=false;*.warning=false");
+    SetUnlessSet("QT_QPA_PLATFORM", ChoosePlatform());
+    SetUnlessSet("QT_LOGGING_RULES", "*.info=false;*.warning=false");
 }
 
 }  // namespace Tarnex::Core::Utils

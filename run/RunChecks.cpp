@@ -20,7 +20,7 @@ void RunPluginPhase(PluginChecker& checker, const Config& config, CheckResult& r
     result.errorInfo += checker.GetErrorInfo();
 }
 
-/// Does nothing if the core is up already.
+/// Does nothing if the core is already started.
 void StartMediaCore(const BrokenPlugins& disabledPlugins) {
     CoreManager& core = CoreManager::Instance();
     if (core.IsInitialized()) {

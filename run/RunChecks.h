@@ -7,10 +7,10 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Runs the phases that the check type calls for, plugins before codecs, and measures them. The
-/// media core is started between the two with the plugins disabled that were found broken. Catches
-/// nothing. Main thread.
-CheckResult RunChecks(PluginChecker& pluginChecker, CodecChecker& codecChecker,
-                      const Config& config);
+/// Runs and times the phases that the check type selects, plugins before codecs. Starts the media
+/// core before the codec phase, without the plugins that were found broken or are to be disabled.
+/// Catches nothing. Call it on the main thread.
+[[nodiscard]] CheckResult RunChecks(PluginChecker& pluginChecker, CodecChecker& codecChecker,
+                                    const Config& config);
 
 }  // namespace Tarnex::Core::Utils

@@ -16,6 +16,7 @@ void RunDeinitHandlers() {
         try {
             handler();
         } catch (...) {
+            // Contract: parents match this text; keep it verbatim.
             LogTagged(WARNING_TAG, "Failed doing a deinitializing handler for " + name + ": " +
                                        GetCurrentExceptionText());
         }

@@ -6,7 +6,7 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Brackets logging: the start action when built, the shut-down action at its end. Either may be
+/// Calls the start action when constructed and the shut-down action when destroyed. Either may be
 /// empty.
 class LoggingScope {
 public:
@@ -22,7 +22,7 @@ private:
     std::function<void()> shutDownAction;
 };
 
-/// Ends the media core, if it was started.
+/// Stops the media core if it was started.
 class MediaCoreScope {
 public:
     MediaCoreScope() = default;
@@ -32,8 +32,8 @@ public:
     MediaCoreScope& operator=(const MediaCoreScope&) = delete;
 };
 
-/// Shuts the loaded modules down at the end of a run that had a plugin phase alone: no media core
-/// does it there.
+/// Shuts down the loaded modules at the end of a run of the plugin phase alone: there is no media
+/// core to do it.
 class DeinitScope {
 public:
     explicit DeinitScope(CheckType type) : checkType(type) {}

@@ -1,4 +1,4 @@
-// Writes a sample file of the codec check: a short clip that our own modules encode.
+// Writes one sample file for the codec check: a short clip, encoded by our own modules.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -7,7 +7,7 @@
 #include "core/media/CoreManager.h"
 #include "core/media/Factories.h"
 #include "core/media/Presets.h"
-#include "modules/common/CoderStream.h"
+#include "core/media/StreamBase.h"
 
 namespace {
 
@@ -18,15 +18,35 @@ using Tarnex::Proc::Pointer;
 using Tarnex::Proc::Property;
 namespace Proc = Tarnex::Proc;
 
-// The clips are read once, from their beginning to their end, so that they need no way back.
+/// A few frames that can be read once, from first to last. The clip can't seek.
+template <class Interface, class Frame>
+class Clip : public Proc::StreamBase<Interface> {
+public:
+    std::int64_t GetDuration() const override { return 0; }
+    std::int64_t GetPosition() const override { return 0; }
+    void Seek(std::int64_t, Pointer<Proc::IRefCountable>) override {}
+    Pointer<Proc::IData> ReadNext() override { return GetNextFrame(); }
+    Pointer<Frame> GetNextFrame() override {
+        return number < count ? MakeFrame(number++) : Pointer<Frame>();
+    }
 
-/// Two pictures, one of which moves over the other: no frame can be predicted without a rest.
-class Pictures : public Tarnex::Modules::DecoderStream<Proc::IStreamVideo, Proc::IFrameVideo> {
+protected:
+    explicit Clip(int count) : Proc::StreamBase<Interface>("Clip"), count(count) {}
+
+    virtual Pointer<Frame> MakeFrame(int number) const = 0;
+
+private:
+    int count;
+    int number = 0;
+};
+
+/// A picture moving over itself, so that no frame can be predicted without a residual.
+class Pictures : public Clip<Proc::IStreamVideo, Proc::IFrameVideo> {
 public:
     explicit Pictures(const std::string& codecId)
-        : DecoderStream(nullptr, "Pictures"),
+        : Clip(FRAMES),
           size(codecId == Proc::IFormatCodecVideo::CODEC_ID_DVVIDEO
-                   ? Proc::FrameInfo{720, 576, 1, 1}  // one of the few that DV knows
+                   ? Proc::FrameInfo{720, 576, 1, 1}  // one of the few sizes that DV allows
                    : Proc::FrameInfo{320, 240, 1, 1}) {}
 
     Pointer<Proc::IFormatCodecVideo> GetFormatCodec() const override {
@@ -36,27 +56,22 @@ public:
     }
 
 protected:
-    Pointer<Proc::IData> MakeNext() override {
-        if (number == FRAMES) {
-            return {};
-        }
+    Pointer<Proc::IFrameVideo> MakeFrame(int number) const override {
         Pointer<Proc::IFrameVideo> frame =
             Proc::CreateFactoryDataVideoFF()->CreateFrame({1, 1, 1}, Proc::PixFmt::Yuv420p, size);
         for (const Proc::Plane& plane : frame->GetPlanes()) {
-            Overlay(plane);
+            Overlay(plane, number);
         }
         frame->SetFrameTime(number * FRAME_LENGTH);
-        ++number;
         return frame;
     }
-    void Restart() override {}
 
 private:
     static constexpr int FRAMES = 6;
     static constexpr int FRAME_LENGTH = 40;
 
-    /// The mean of the picture and itself, moved by some rows and pixels.
-    void Overlay(const Proc::Plane& plane) const {
+    /// Averages the picture with a copy of itself, shifted by some rows and pixels.
+    static void Overlay(const Proc::Plane& plane, int number) {
         const std::ptrdiff_t shift = std::ptrdiff_t{number} * (3 * plane.stride + 5);
         const std::ptrdiff_t end = std::ptrdiff_t{plane.height} * plane.stride - shift;
         for (std::ptrdiff_t i = 0; i < end; ++i) {
@@ -65,12 +80,11 @@ private:
     }
 
     Proc::FrameInfo size;
-    int number = 0;
 };
 
-class Sound : public Tarnex::Modules::DecoderStream<Proc::IStreamAudio, Proc::IFrameAudio> {
+class Sound : public Clip<Proc::IStreamAudio, Proc::IFrameAudio> {
 public:
-    Sound() : DecoderStream(nullptr, "Sound") {}
+    Sound() : Clip(1) {}
 
     Pointer<Proc::IFormatCodecAudio> GetFormatCodec() const override {
         Pointer<Proc::IFormatCodecAudio> format = Proc::IFormatCodecAudio::Create();
@@ -79,21 +93,14 @@ public:
     }
 
 protected:
-    Pointer<Proc::IData> MakeNext() override {
-        if (isRead) {
-            return {};
-        }
-        isRead = true;
+    Pointer<Proc::IFrameAudio> MakeFrame(int /*number*/) const override {
         return Proc::CreateFactoryDataAudioFF()->CreateFrame(INFO, BLOCKS);
     }
-    void Restart() override {}
 
 private:
     static constexpr Proc::SampleInfo INFO{Proc::SampleFormats::S16, 44100,
                                            Proc::ChannelLayout::Stereo};
     static constexpr int BLOCKS = 2;
-
-    bool isRead = false;
 };
 
 Property MakeSettings(const char* kind, const std::string& codecId, const std::string& options) {
@@ -122,7 +129,7 @@ void MakeSample(const std::string& file, const std::string& codecId, const std::
     core.WaitUntilInitialized();
     const Pointer<Proc::ICodedStream> stream = Encode(codecId, options);
     if (!stream) {
-        throw Tarnex::Exception("Nobody encodes " + codecId);
+        throw Tarnex::Exception("No started module encodes " + codecId);
     }
     Proc::MuxerFactoryImpl::WriteFile(file, stream);
     core.Uninitialize();

@@ -23,5 +23,6 @@ echo "$(nproc) cores of $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head 
 measure "tagged line, log files" env LOCALAPPDATA="$folder" "$bench/tagged_line" 2>/dev/null
 measure "tagged line" env -u LOCALAPPDATA "$bench/tagged_line" 2>/dev/null
 measure "plugin phase" python3 "$here/../bench/plugin_phase.py" "$here/../build/release/app" "$bench/bare_loop"
+measure "assay" python3 "$here/../bench/assay_speed.py" "$here/../build/release/app"
 measure "codecs" "$bench/sweep/codec_sweep" "${1:-5}" "$folder"
 [ ${#missed[@]} -eq 0 ] || { echo "failed or above the limit: ${missed[*]}" >&2; exit 1; }

@@ -6,8 +6,8 @@
 
 namespace Tarnex::Core::Utils {
 
-/// What the synthetic streams of both kinds share: a stream of one frame at time 0, whose only way
-/// back is `Seek`. `Interface` is `IStreamVideo` or `IStreamAudio`, `Format` its format.
+/// What both synthetic streams share: one frame at time 0, which only `Seek` makes readable again.
+/// `Interface` is `IStreamVideo` or `IStreamAudio`, `Format` the type of its format.
 template <class Interface, class Format>
 class FakeStream : public Proc::StreamBase<Interface> {
 public:
@@ -25,7 +25,7 @@ protected:
           duration(length),
           formatCodec(Format::Create()) {}
 
-    /// Compares without a sum, which a far position would overflow.
+    /// Subtracts instead of adding, because a sum could overflow at a far position.
     bool IsAtEnd() const {
         return position > static_cast<const Proc::IStream*>(this)->GetDuration() - duration;
     }

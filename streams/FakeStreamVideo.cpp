@@ -1,8 +1,8 @@
 #include "streams/FakeStreamVideo.h"
 
 #include "core/media/CodecFactory.h"
-#include "timing/PhaseTimer.h"
 #include "streams/TestColorSpace.h"
+#include "timing/PhaseTimer.h"
 
 namespace Tarnex::Core::Utils {
 namespace {
@@ -16,7 +16,7 @@ struct Size {
     int height;
 };
 
-/// H.263 and DV know a few sizes only, all others take this one.
+/// H.263 and DV allow only a few sizes. All other codecs take 1920x1080.
 Size SizeFor(const std::string& codecId) {
     if (codecId == IFormatCodecVideo::CODEC_ID_H263) {
         return {352, 288};

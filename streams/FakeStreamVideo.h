@@ -6,13 +6,13 @@
 
 namespace Tarnex::Core::Utils {
 
-/// A synthetic video source of one frame, of a size that the codec takes.
+/// A synthetic video source of one frame, in a size that the codec takes.
 class FakeStreamVideo : public FakeStream<Proc::IStreamVideo, Proc::IFormatCodecVideo> {
 public:
-    /// `implementation` decides the pixel format, `codecId` the size.
+    /// `implementation` selects the pixel format, `codecId` the size.
     FakeStreamVideo(const std::string& implementation, const std::string& codecId);
 
-    /// The frame, or empty at the end. Throws what the core's frame factory throws.
+    /// The frame, or null at the end. Throws what the core's frame factory throws.
     Proc::Pointer<Proc::IFrameVideo> GetNextFrame() override;
 
 private:

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "support/Split.h"
+#include "core/support/Text.h"
 
 namespace Tarnex::Core::Utils {
 

@@ -12,7 +12,7 @@ CheckType::CheckType(const std::string& text) {
     } else if (text == "all") {
         value = All;
     } else {
-        throw Exception("Unknown check type \"" + text + "\"; known are plugins, codecs and all");
+        throw Exception("Unknown check type \"" + text + "\"; use plugins, codecs or all");
     }
 }
 

@@ -41,7 +41,7 @@ CodecConfig::CodecConfig(const std::string& id) {
         codecId = id.substr(second + 1);
     }
     if (type == CoderType::None || !IsImplementation(implementation) || !IsCodecId(codecId)) {
-        throw Exception("\"" + id + "\" names no codec test, as Decoder.IMPLEMENTATION.CODEC does");
+        throw Exception("\"" + id + "\" isn't a codec test, such as Decoder.IMPLEMENTATION.CODEC");
     }
 }
 

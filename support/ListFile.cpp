@@ -10,7 +10,6 @@
 #include "core/support/Exception.h"
 #include "core/support/Text.h"
 #include "platform/WideText.h"
-#include "support/Split.h"
 
 namespace Tarnex::Core::Utils {
 namespace {

@@ -20,7 +20,7 @@ bool IsFactory(const std::string& key) {
     return std::ranges::find(PLUGIN_FACTORIES, key) != PLUGIN_FACTORIES.end();
 }
 
-/// A name becomes a file name in the directory of the list, and only there.
+/// A name becomes a file name, so it must not lead out of the list's directory.
 bool IsPluginName(const std::string& name) {
     return name.find('/') == std::string::npos;
 }

@@ -1,9 +1,6 @@
 #include "core/support/Text.h"
 
 #include <sstream>
-#include <vector>
-
-#include "support/Split.h"
 
 namespace Tarnex::Core::Utils {
 
@@ -14,14 +11,18 @@ std::string& TrimAll(std::string& text) {
     return text;
 }
 
-std::vector<std::string> SplitNames(const std::string& joined) {
-    std::vector<std::string> names;
+std::vector<std::string> SplitAtCommas(const std::string& joined) {
+    std::vector<std::string> pieces;
     std::istringstream stream(joined);
-    for (std::string name; std::getline(stream, name, ',');) {
-        if (!TrimAll(name).empty()) {
-            names.push_back(name);
-        }
+    for (std::string piece; std::getline(stream, piece, ',');) {
+        pieces.push_back(TrimAll(piece));
     }
+    return pieces;
+}
+
+std::vector<std::string> SplitNames(const std::string& joined) {
+    std::vector<std::string> names = SplitAtCommas(joined);
+    std::erase(names, std::string());
     return names;
 }
 

@@ -4,9 +4,10 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/thread_pool.hpp>
 #include <exception>
-#include <mutex>
 #include <optional>
 #include <utility>
+
+#include "core/support/Mutex.h"
 
 namespace Tarnex::Core {
 
@@ -24,33 +25,38 @@ public:
     void Stop() {
         if (threads) {
             threads->join();
-            threads.reset();  // a joined pool runs nothing more
+            threads.reset();  // a joined pool runs no more tasks
         }
-        if (const std::exception_ptr thrown = std::exchange(failure, nullptr)) {
+        if (const std::exception_ptr thrown = TakeFailure()) {
             std::rethrow_exception(thrown);
         }
     }
 
 private:
+    std::exception_ptr TakeFailure() {
+        const Lock lock(mutex);
+        return std::exchange(failure, nullptr);
+    }
+
     void Run(const std::function<void()>& task) {
         try {
             task();
         } catch (...) {
-            const std::lock_guard lock(mutex);
+            const Lock lock(mutex);
             failure = failure ? failure : std::current_exception();
         }
     }
 
     const std::size_t count;
-    std::mutex mutex;
-    std::exception_ptr failure;  // guarded by mutex while tasks run
+    Mutex mutex;
+    std::exception_ptr failure TARNEX_GUARDED_BY(mutex);
     std::optional<boost::asio::thread_pool> threads;
 };
 
 ThreadPool::ThreadPool(std::size_t threadCount)
     : impl(std::make_unique<Impl>(std::max<std::size_t>(threadCount, 1))) {}
 
-// A pool that is destroyed without a join drops the tasks that haven't begun.
+// Destroying the pool without a join drops the tasks that haven't begun.
 ThreadPool::~ThreadPool() = default;
 
 void ThreadPool::AddTask(std::function<void()> task) {

@@ -15,9 +15,9 @@ using Clock = std::chrono::steady_clock;
 
 }  // namespace
 
-// The timer thread keeps the time and is the back-stop; the runner thread runs the action. Between
-// them and the owner there are semaphores and one atomic only: at expiry any other thread can be
-// stopped for good with whatever lock it holds.
+// The timer thread keeps the time and is the back-stop; the runner thread runs the action. They
+// share only semaphores and one atomic with the owner: at expiry any other thread may be stopped
+// for good, whatever lock it holds.
 class WatchDog::Impl {
 public:
     Impl(unsigned int seconds, std::function<void()> onExpiry)
@@ -48,7 +48,7 @@ public:
 private:
     enum class State { Armed, Cancelled, Expired };
 
-    /// The first decision stands. True if this is it.
+    /// The first decision wins. True if this is it.
     bool Decide(State decision) {
         State expected = State::Armed;
         const bool isFirst = state.compare_exchange_strong(expected, decision);
@@ -66,10 +66,11 @@ private:
     }
 
     void KeepTime() {
-        // A runner that gets no processor time may leave a cancellation unanswered.
+        // If the runner gets no processor time, it may not react to a cancellation.
         if (progress.WaitUntil(deadline) || !Decide(State::Expired)) {
             return;  // cancelled
         }
+        // See the faults "hang-then-hang" and "hang-in-constructor" of the process tests.
         const bool begun = ProgressWithinGrace();
         if (!begun || !ProgressWithinGrace()) {
             std::_Exit(EXIT_CODE);

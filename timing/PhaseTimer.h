@@ -4,11 +4,11 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The time that the two phases of this run took. Written by the main thread.
+/// How long the two phases of this run took. Only the main thread writes them.
 inline std::chrono::nanoseconds pluginPhaseTime{0};
 inline std::chrono::nanoseconds codecPhaseTime{0};
 
-/// Adds the time of its scope to an accumulator, whatever way the scope ends.
+/// Adds the duration of its scope to an accumulator, even if the scope ends by an exception.
 class ScopedPhaseTimer {
 public:
     explicit ScopedPhaseTimer(std::chrono::nanoseconds& sum)

@@ -10,11 +10,11 @@ public:
     static const AppLocations& GetLocations();
     virtual ~AppLocations() = default;
 
-    /// The directory of the running program, links resolved. Modules and samples lie there.
+    /// The directory of the running program, symbolic links resolved. It holds modules and samples.
     virtual ioPath GetApplicationDirectory() const = 0;
 };
 
-/// The file name that a module of that plugin name has on this platform.
+/// The file name of the plugin's module on this platform.
 TARNEX_API ioPath GetPlatformModuleName(const ioPath& plugin);
 
 }  // namespace Tarnex::Core

@@ -4,7 +4,7 @@
 
 namespace Tarnex::Core {
 
-/// Decoder or encoder; a default-made one is neither.
+/// Decoder or encoder; neither after default construction.
 class CoderType {
 public:
     enum Type { None = 0, Decoder = 1, Encoder = 2 };
@@ -20,7 +20,7 @@ private:
     Type type = None;
 };
 
-/// "Decoder", "Encoder" or an empty text.
+/// "Decoder", "Encoder", or an empty string for neither.
 inline std::string ToString(CoderType type) {
     switch (static_cast<CoderType::Type>(type)) {
         case CoderType::Decoder:

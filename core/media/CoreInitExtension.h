@@ -13,7 +13,7 @@ public:
     using DeinitHandler = void (*)();
 
     /// The shut-down functions of the loaded modules that have one, each with its plugin's name,
-    /// last loaded first. They may throw. Not to be called while modules are being loaded.
+    /// last loaded first. They may throw. Don't call this while modules are being loaded.
     static std::vector<std::pair<std::string, DeinitHandler>> GetDeinitHandlers();
 };
 

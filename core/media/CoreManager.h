@@ -9,16 +9,16 @@
 
 namespace Tarnex::Core {
 
-/// How much of the machine the core's coders take.
+/// How much of the machine the core's coders may use.
 class ComputingResourceManager {
 public:
-    /// True: a coder keeps to one thread, which keeps a machine usable on which many coders are
-    /// tested side by side. To be set before the first coder is made.
+    /// True: each coder uses one thread, so that the machine stays usable while many coders run
+    /// side by side. Set it before the first coder is created.
     bool computingResourcesFlag = false;
 };
 
-class IHostServices;   ///< what a host may offer to the core; the core needs nothing of it
-class IStartProgress;  ///< whom the core may tell about its start; it tells nobody
+class IHostServices;   ///< services that a host may offer to a core
+class IStartProgress;  ///< receives progress reports of a core's start
 
 /// The media core of this process.
 class TARNEX_API CoreManager {
@@ -27,22 +27,23 @@ public:
 
     virtual bool IsInitialized() const = 0;
 
-    /// Starts the codec, parser and muxer modules that `options` doesn't disable, on a thread of
-    /// its own, and calls `onInitialized`, if set, when that is done. A module that fails to start
-    /// is left out. `startModules` false leaves all of them out. Throws if the core is up already.
+    /// Starts the codec, parser and muxer modules that `options` doesn't disable. Works on its own
+    /// thread and calls `onInitialized` there, if set, once all are started. Skips a module that
+    /// fails to start. Throws if the core is already started. The last three parameters serve other
+    /// cores; this one ignores them: it needs no host, reports no progress, always starts modules.
     virtual void Initialize(std::function<void()> onInitialized, const CoreOptions& options,
                             IHostServices* host, IStartProgress* progress, bool startModules) = 0;
 
-    /// Returns when the start is over. Throws what made the start fail, such as a malformed
+    /// Waits for the end of the start. Rethrows what made the start fail, such as a malformed
     /// `plugins.list`.
     virtual void WaitUntilInitialized() = 0;
 
     virtual std::shared_ptr<ComputingResourceManager> GetComputingResourceManager() = 0;
 
-    /// The factory, once `WaitUntilInitialized` has returned; a `Tarnex::Exception` before.
+    /// The factory. Throws `Tarnex::Exception` before `WaitUntilInitialized` has returned.
     virtual Proc::Pointer<Proc::ICodecFactory> GetCodecFactory() = 0;
 
-    /// Ends the core. The modules stay in the process.
+    /// Stops the core. Modules stay loaded.
     virtual void Uninitialize() = 0;
 
 protected:

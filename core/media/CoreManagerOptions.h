@@ -8,16 +8,16 @@
 
 namespace Tarnex::Core {
 
-/// Module name to option name to values.
+/// Values by option name by module name.
 using CoreOptions = std::map<std::string, std::map<std::string, std::vector<std::string>>>;
 
 inline constexpr char MODULE_PLUGIN_LOADER[] = "PluginLoader";
 
-/// Of `MODULE_PLUGIN_LOADER`: names of plugins that the core leaves out.
+/// Option of `MODULE_PLUGIN_LOADER`: names of plugins that the core doesn't start.
 inline constexpr char OPT_DISABLED_PLUGINS[] = "DisabledPlugins";
 
-/// The key under which the codecs of one coder type and one implementation are black-listed, such
-/// as "Codecs.Decoder.FFMPEG_IMPL".
+/// The option key for the black-listed codecs of one coder type and one implementation, such as
+/// "Codecs.Decoder.FFMPEG_IMPL".
 inline std::string BlackListCodecOption(CoderType type, const std::string& implementation) {
     return "Codecs." + ToString(type) + "." + implementation;
 }

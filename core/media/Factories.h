@@ -10,17 +10,17 @@
 
 namespace Tarnex::Proc {
 
-/// A module can't be used.
+/// Thrown when a module can't be used.
 class TARNEX_TYPE CodecFactoryErrorException : public Exception {
 public:
     using Exception::Exception;
 };
 
-// Each factory lists the plugins that `plugins.list` names for it, in that order, and loads one of
-// them into this process for good. Loading is more than opening: the module's entry points are
-// called, so that a normal return means that the module works as far as can be told without input.
-// Both throw `Tarnex::Exception` with a text that names the list's line, or the plugin, its module
-// and the reason, which may be the text of what the module threw. Thread-safe.
+// `GetPluginList` returns the plugins that `plugins.list` names for the factory, in that order.
+// `TryToLoadModule` loads one of them into this process for good and calls its entry points. If it
+// returns, the module works as far as can be known without input. Both throw `Tarnex::Exception`:
+// the text names the line of the list, or the plugin, its module and the reason (the text of what
+// the module threw, if it threw). Thread-safe.
 
 class TARNEX_API EffectFactory {  ///< frei0r video effects
 public:
@@ -28,7 +28,7 @@ public:
     static void TryToLoadModule(const std::string& plugin);
 };
 
-class TARNEX_API FilterFactory {  ///< LADSPA audio filters
+class TARNEX_API FilterFactory {  ///< LADSPA and LV2 audio filters
 public:
     static std::vector<std::string> GetPluginList();
     static void TryToLoadModule(const std::string& plugin);
@@ -51,8 +51,8 @@ public:
     static std::vector<std::string> GetPluginList();
     static void TryToLoadModule(const std::string& plugin);
 
-    /// Writes the whole stream to a new file whose extension says the container, with the first
-    /// started muxer module that can. Throws `Tarnex::Exception` if none does.
+    /// Writes the whole stream to a new file with the first started muxer module that can. The file
+    /// extension selects the container. Throws `Tarnex::Exception` if no module can write it.
     static void WriteFile(const ioPath& path, const Pointer<ICodedStream>& stream);
 };
 

@@ -13,24 +13,24 @@ namespace Tarnex::Proc {
 
 inline constexpr char TAG_BITRATE_MODE_CBR[] = "CBR";
 
-/// What every description of a stream has. Formats are thread-bound: whoever made one fills it and
-/// hands it on.
+/// What all stream descriptions have in common. Thread-bound: one thread fills in a format, then
+/// hands it over.
 class TARNEX_TYPE IFormat : public virtual IRefCountable {
 public:
     virtual Property GetProperty() const = 0;
     virtual void SetProperty(Property property) = 0;
-    virtual std::string GetContainerName() const = 0;
+    /// For whoever writes containers; nothing here reads it.
     virtual void SetContainerName(const std::string& name) = 0;
 };
 
-/// The description of a coded stream, or of one to be coded.
+/// Describes a coded stream, or a stream that is to be encoded.
 class TARNEX_TYPE IFormatCodec : public IFormat {
 public:
-    /// Empty where the stream isn't coded.
+    /// Empty if the stream isn't coded.
     virtual std::string GetCodecID() const = 0;
     virtual void SetCodecID(const std::string& codecId) = 0;
 
-    /// What a decoder needs before the first packet, in the codec's own form; often empty.
+    /// What a decoder needs before the first packet, in the codec's own form. Often empty.
     virtual const std::vector<std::uint8_t>& GetExtraData() const = 0;
     virtual void SetExtraData(std::vector<std::uint8_t> data) = 0;
 };
@@ -49,7 +49,7 @@ public:
     virtual void SetPixelFormat(PixFmt format) = 0;
     virtual FrameRate GetFrameRate() const = 0;
     virtual void SetFrameRate(int numerator, int denominator) = 0;
-    virtual bool GetImageFlag() const = 0;
+    /// For whoever tells a picture from a film; nothing here does.
     virtual void SetImageFlag(bool isImage) = 0;
     virtual ColorSpace GetColorSpace() const = 0;
     virtual void SetColorSpace(const ColorSpace& space) = 0;
@@ -65,7 +65,7 @@ public:
     virtual void SetBitrateMode(const std::string& mode) = 0;
     virtual SampleInfo GetSampleInfo() const = 0;
     virtual void SetSampleInfo(const SampleInfo& info) = 0;
-    /// Bits per second.
+    /// In bits per second.
     virtual std::int64_t GetBitrate() const = 0;
     virtual void SetBitrate(std::int64_t bitrate) = 0;
 };

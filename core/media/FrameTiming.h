@@ -6,7 +6,7 @@
 
 namespace Tarnex::Proc {
 
-/// The place of a frame in its stream, for frames of either kind. Milliseconds.
+/// Implements start time and length for both kinds of frames. In milliseconds.
 template <class Interface>
 class FrameTiming : public RefCounted<Interface> {
 public:

@@ -7,22 +7,22 @@ namespace Tarnex::Proc {
 enum class MediaKind { None = 0, Video = 1, Audio = 2 };
 
 enum class PixFmt {
-    Nv12 = 0,     ///< 4:2:0, a plane of Y and a plane of interleaved U and V
-    Yuv420p = 3,  ///< 4:2:0, planes Y, U, V
+    Nv12 = 0,     ///< 4:2:0, two planes: Y, and U and V interleaved
+    Yuv420p = 3,  ///< 4:2:0, three planes: Y, U, V
 };
 
 enum class SampleFormats { S16 = 1 };  ///< interleaved signed 16 bit, native byte order
 
 enum class ChannelLayout { Mono = 1, Stereo = 2 };  ///< the value is the number of channels
 
-/// Code points of ISO/IEC 23091-2 (1, 1, 1 is BT.709).
+/// Code points of ISO/IEC 23091-2. BT.709 is {1, 1, 1}.
 struct ColorSpace {
     std::uint32_t primaries;
     std::uint32_t transfer;
     std::uint32_t matrix;
 };
 
-/// Size in pixels, and width to height of one pixel.
+/// Size in pixels, and the aspect ratio of one pixel (width to height).
 struct FrameInfo {
     int width = 0;
     int height = 0;
@@ -37,7 +37,7 @@ struct FrameRate {
 
 struct SampleInfo {
     SampleFormats format = SampleFormats::S16;
-    int rate = 0;  ///< samples per second and channel
+    int rate = 0;  ///< samples per second per channel
     ChannelLayout layout = ChannelLayout::Stereo;
 
     void Init(SampleFormats newFormat, int newRate, ChannelLayout newLayout) {

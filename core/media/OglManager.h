@@ -4,7 +4,7 @@
 
 namespace Tarnex::Ogl {
 
-/// Starts and stops the OpenGL of this machine, by the module of the same name.
+/// Starts and stops OpenGL on this machine, through the module of the same name.
 class TARNEX_API OglManager {
 public:
     static OglManager& GetInstance();

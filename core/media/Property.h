@@ -9,15 +9,15 @@
 
 namespace Tarnex::Proc {
 
-/// A tree of named values: settings of a coder, statistics of a stream.
+/// A tree of named values, such as a coder's settings or a stream's statistics.
 class TARNEX_API Property {
 public:
     explicit Property(std::string name = {}, std::string value = {});
 
-    /// An unnamed property to collect others in.
+    /// An unnamed property that holds others.
     static Property GetRootItem();
 
-    /// A property of that name with the items "time" (nanoseconds) and "count".
+    /// A property called `name` with the items "time" (in nanoseconds) and "count".
     static Property MakeStatistics(const std::string& name, std::chrono::nanoseconds time,
                                    std::uint64_t count);
 
@@ -27,7 +27,7 @@ public:
     const std::string& GetValue() const { return value; }
     const std::vector<Property>& GetItems() const { return items; }
 
-    /// The value of the first item of that name; empty if there is none.
+    /// The value of the first item called `itemName`; empty if there is none.
     std::string Get(const std::string& itemName) const;
 
 private:

@@ -7,8 +7,8 @@
 
 namespace Tarnex::Proc {
 
-/// Lifetime of media objects: made with new, held by intrusive pointers, gone with the last
-/// release. The count may be changed from any thread.
+/// A reference-counted media object. Create it with `new` and hold it by `Pointer`; the last
+/// release deletes it. Any thread may change the count.
 class TARNEX_TYPE IRefCountable {
 public:
     virtual ~IRefCountable() = default;
@@ -24,7 +24,7 @@ inline void intrusive_ptr_release(const IRefCountable* object) {
     object->Release();
 }
 
-/// The count itself, 0 at first.
+/// The reference count. Starts at 0.
 class RefCountImpl {
 public:
     int AddRefImpl() const { return ++count; }
@@ -35,7 +35,7 @@ private:
     mutable std::atomic<int> count = 0;
 };
 
-/// Gives an interface its three counting operations.
+/// Implements the three counting operations of an interface.
 template <class Interface>
 class RefCounted : public Interface {
 public:

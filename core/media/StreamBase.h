@@ -9,8 +9,8 @@
 
 namespace Tarnex::Proc {
 
-/// Gives a stream the operations that carry no meaning here, and its statistics. The stream adds
-/// its format, its place and its reading. `Interface` is the stream interface that it offers.
+/// Implements a stream's statistics and its reserved operations. The derived class adds the format,
+/// the position and the reading. `Interface` is the stream interface that it implements.
 template <class Interface>
 class StreamBase : public RefCounted<Interface> {
 public:
@@ -29,12 +29,12 @@ public:
     void EmptyOperationD() override {}
 
 protected:
-    /// `statisticName` heads the statistics.
+    /// `statisticName` is the heading of the statistics.
     explicit StreamBase(std::string statisticName) : statisticName(std::move(statisticName)) {}
 
-    /// Spent in reading, also where a read finds the end.
+    /// Time spent in reads, including the read that finds the end.
     std::chrono::nanoseconds readTime{0};
-    /// Frames or packets that were delivered.
+    /// Number of frames or packets delivered.
     std::uint64_t frameCount = 0;
 
 private:

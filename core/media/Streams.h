@@ -11,20 +11,20 @@
 
 namespace Tarnex::Proc {
 
-/// A source of frames or packets. Streams are thread-bound: one reader at a time.
-/// The operations named Empty and Query carry no meaning here; they keep the order of the slots.
+/// A source of frames or packets. Thread-bound: one reader at a time.
+/// Contract: the Empty and Query operations are reserved; they keep the order of the virtual table.
 class TARNEX_TYPE IStream : public virtual IRefCountable {
 public:
     virtual void EmptyOperationA() = 0;
     virtual Property GetStreamProperty() const = 0;
-    /// Length and position in stream time, milliseconds.
+    /// Length and position in stream time, in milliseconds.
     virtual std::int64_t GetDuration() const = 0;
     virtual std::int64_t GetPosition() const = 0;
-    /// The next frame or packet, empty at the end. Throws what its making throws.
+    /// The next frame or packet, or null at the end. Throws if it can't be made.
     virtual Pointer<IData> ReadNext() = 0;
-    /// Goes to `position`; `hint` is whatever the caller knows of the place, or empty.
+    /// Moves to `position`. `hint` is what the caller knows about that position, or null.
     virtual void Seek(std::int64_t position, Pointer<IRefCountable> hint) = 0;
-    /// Announces that reading is about to begin.
+    /// Tells the stream that reading is about to begin.
     virtual void Prepare() = 0;
     virtual bool QueryTrue() const = 0;
     virtual Pointer<const IFormatCodec> GetFormatCodecBase() const = 0;
@@ -51,7 +51,7 @@ public:
     Pointer<const IFormatCodec> GetFormatCodecBase() const override { return GetFormatCodec(); }
 };
 
-/// A stream of packets (`IPacket`): an encoder's output or a file's track.
+/// A stream of packets (`IPacket`): the output of an encoder or a track of a file.
 class TARNEX_TYPE ICodedStream : public virtual IStream {
 public:
     virtual MediaKind GetMediaKind() const = 0;
@@ -60,11 +60,11 @@ public:
     Pointer<const IFormatCodec> GetFormatCodecBase() const override { return GetCodecFormat(); }
 };
 
-/// An opened file. Its streams stay usable when the reader is gone.
+/// An open file. Its streams stay usable after the reader is gone.
 class TARNEX_TYPE IStreamReader : public virtual IRefCountable {
 public:
     virtual std::size_t GetStreamCount() const = 0;
-    /// Empty where the track is of no use (neither audio nor video, or of an unknown codec).
+    /// Null if the track is unusable: neither audio nor video, or of an unknown codec.
     virtual Pointer<ICodedStream> GetStream(std::size_t index) = 0;
 };
 

@@ -9,18 +9,18 @@
 #include "core/media/Streams.h"
 #include "core/support/ioPath.h"
 
-/// The interface of the plugin modules that we make. A module exports, with C names:
+/// The interface of our own plugin modules. A module exports, with C linkage:
 ///
-///     std::uint32_t TarnexModuleVersion();                     asked first, must give VERSION
-///     bool TarnexModuleInitialize(Description& description);   false or an exception: refused
-///     void TarnexModuleShutdown();                             optional, may throw
+///     std::uint32_t TarnexModuleVersion();                     called first; has to return VERSION
+///     bool TarnexModuleInitialize(Description& description);   refuses by false or an exception
+///     void TarnexModuleShutdown();                             optional; may throw
 ///
-/// It is initialised once, on the thread that loads it, and never unloaded. The objects that it
-/// describes belong to the module and live as long as the process.
+/// A module is initialised once, on the thread that loads it, and never unloaded. The module owns
+/// the objects in its description and keeps them alive until the process ends.
 namespace Tarnex::Module {
 
-/// Goes up with every change of a type that crosses the border.
-inline constexpr std::uint32_t VERSION = 1;
+/// Increases with every change to a type that modules share with the program.
+inline constexpr std::uint32_t VERSION = 2;
 
 /// The coders of one implementation. Thread-safe.
 class TARNEX_TYPE ICodecModule {
@@ -28,14 +28,14 @@ public:
     virtual ~ICodecModule() = default;
     virtual std::string GetImplementation() const = 0;
 
-    /// None for an id that isn't of this module. Answers from a table: nothing is started for it.
+    /// None if the module doesn't have the codec. Answers from a table, without starting anything.
     virtual Proc::MediaKind GetMediaKind(const std::string& codecId) = 0;
 
-    /// The ids that are offered, each once, in the same order at each call.
+    /// The offered ids, each once, in the same order at each call.
     virtual std::vector<std::string> GetCodecs(Core::CoderType type) = 0;
 
-    /// The decoder for the codec of `input`, the encoder for the codec that `property` names. Each
-    /// throws the reason if it can't be made; none gives another coder than the one asked for.
+    /// Create a decoder for the codec of `input`, or an encoder for the codec that `property`
+    /// names; never a coder for another codec. Throw with the reason if it can't be created.
     virtual Proc::Pointer<Proc::IStreamVideo> CreateVideoDecoder(
         const Proc::Pointer<Proc::ICodedStream>& input) = 0;
     virtual Proc::Pointer<Proc::IStreamAudio> CreateAudioDecoder(
@@ -68,7 +68,7 @@ public:
     virtual void Stop() = 0;
 };
 
-/// What a module offers; at least one of these.
+/// What a module offers. At least one pointer is set.
 struct Description {
     ICodecModule* codecs = nullptr;
     IParserModule* parser = nullptr;
@@ -82,7 +82,7 @@ using ShutdownFunction = void();
 
 }  // namespace Tarnex::Module
 
-/// Stands before the three exported functions.
+/// Put this before each of the three exported functions.
 #if defined(_WIN32)
 #define TARNEX_MODULE_EXPORT extern "C" __declspec(dllexport)
 #else

@@ -4,16 +4,16 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Which phases a run has.
+/// Selects the phases of a run.
 class CheckType {
 public:
     enum Type { Plugins = 1, Codecs = 2, All = 3 };
 
-    /// Equal to none of the three.
+    /// Equals none of the three.
     CheckType() = default;
     CheckType(Type type) : value(type) {}  // NOLINT(google-explicit-constructor)
 
-    /// From "plugins", "codecs" or "all"; any other text is a `Tarnex::Exception` that names it.
+    /// Parses "plugins", "codecs" or "all". Throws `Tarnex::Exception` that names any other text.
     explicit CheckType(const std::string& text);
 
     bool operator==(const CheckType&) const = default;

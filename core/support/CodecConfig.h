@@ -6,22 +6,22 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Names one codec test: coder type, implementation, codec id.
+/// Identifies one codec test: coder type, implementation, codec id.
 class CodecConfig {
 public:
     CodecConfig() = default;
     CodecConfig(CoderType type, std::string implementation, std::string codecId);
 
-    /// From a text of `GetID`. An empty text gives an empty config, whose coder type is neither
-    /// decoder nor encoder; a text of another form is a `Tarnex::Exception` that names it.
+    /// Parses a text that `GetID` returned. An empty text gives an empty config, whose coder type
+    /// is neither decoder nor encoder. Throws `Tarnex::Exception` that names a malformed text.
     explicit CodecConfig(const std::string& id);
 
     CoderType GetCoderType() const { return type; }
     const std::string& GetImplementation() const { return implementation; }
     const std::string& GetCodecId() const { return codecId; }
 
-    /// Coder type, implementation and codec id joined by points:
-    /// "Decoder.FFMPEG_IMPL.CODEC_ID_AAC". The first two points separate; a codec id may hold more.
+    /// Coder type, implementation and codec id joined by points, such as
+    /// "Decoder.FFMPEG_IMPL.CODEC_ID_AAC". Only the codec id may contain points itself.
     /// Empty for an empty config.
     std::string GetID() const;
     bool IsEmpty() const;

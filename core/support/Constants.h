@@ -5,7 +5,7 @@
 
 namespace Tarnex::Core::Utils {
 
-// The tags of the lines that a parent reads. They are a contract with programs outside.
+// Contract: parents match these tags; keep them verbatim.
 inline constexpr char STATISTICS_TAG[] = "STATISTICS";
 inline constexpr char CODECS_TAG[] = "CODECS";
 inline constexpr char ERROR_TAG[] = "ERROR";
@@ -16,11 +16,11 @@ inline constexpr char PLUGINS_TAG[] = "PLUGINS";
 inline constexpr char LOAD_PLUGIN_NAME_TAG[] = "LOAD_PLUGIN_NAME";
 inline constexpr char LOADED_PLUGINS_TAG[] = "LOADED_PLUGINS";
 
-/// Stands at a position of the command line that holds nothing.
+/// Fills a position of the command line that has no value.
 inline constexpr char EMPTY_VALUE[] = "-";
 
-/// Plugins whose failure is tolerated: they stand on an optional part of the operating system.
-/// Never destroyed, because the watch-dog may end the process while the list is being read.
+/// Plugins that may fail: they depend on an optional part of the operating system.
+/// Never freed, because the watch-dog may end the process while the list is being read.
 inline const std::vector<std::string>& WHITE_PLUGIN_LIST_FF =
     *new std::vector<std::string>{"MediaFoundationCodecs"};
 

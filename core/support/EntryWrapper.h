@@ -4,8 +4,9 @@
 
 namespace Tarnex::Core {
 
-/// Calls `run` with the arguments in UTF-8 and returns its result. `run` may change the array,
-/// which ends in a null pointer and lives for the call.
-int EntryWrapperWchar(int argc, wchar_t** argv, const std::function<int(int, char**)>& run);
+/// Converts the arguments to UTF-8, calls `run` with them, and returns its result. The array ends
+/// with a null pointer and lives until `run` returns; `run` may change it.
+[[nodiscard]] int EntryWrapperWchar(int argc, wchar_t** argv,
+                                    const std::function<int(int, char**)>& run);
 
 }  // namespace Tarnex::Core

@@ -11,13 +11,13 @@
 
 namespace Tarnex {
 
-/// A failure that the support library or the media core tells its caller. Whoever catches it shows
-/// `what()`, a text that names the file, line, module or argument at fault.
-/// `boost::diagnostic_information` tells where it was thrown, too.
+/// A failure in the support library or the media core. `what()` is a text for users that names the
+/// file, line, module or argument at fault. `boost::diagnostic_information` adds the place where
+/// the exception was thrown.
 class TARNEX_TYPE Exception : public virtual std::exception, public virtual boost::exception {
 public:
-    /// `place` is that of the caller. The builtins, because not every compiler that we support has
-    /// `std::source_location`.
+    /// `place` is the caller's, by default. The builtins stand in for `std::source_location`, which
+    /// not every supported compiler has.
     explicit Exception(std::string text,
                        const boost::source_location& place = boost::source_location(
                            __builtin_FILE(), __builtin_LINE(), __builtin_FUNCTION()))

@@ -6,10 +6,10 @@
 
 namespace Tarnex::Core::Utils {
 
-/// What is known of the exception that is being handled: its type, where it was thrown, its text
-/// and what is attached to it.
+/// Describes the exception that is being handled: its type, where it was thrown, its text and the
+/// data attached to it.
 inline std::string GetCurrentExceptionText() {
-    // Code of another language may have thrown it; Boost would look for its type at null.
+    // Code in another language may have thrown it: then Boost would dereference a null pointer.
     return std::current_exception() ? boost::current_exception_diagnostic_information()
                                     : "No diagnostic information available.";
 }

@@ -9,32 +9,32 @@
 
 namespace Tarnex::Core::Utils {
 
-/// What the keys of a list name, and with it the mark that they begin with.
+/// What the keys of a list file name. Each format has a prefix that all its keys begin with.
 enum class FormatType {
-    Codecs = 1,   ///< "Codecs.": black-list option keys
-    Plugins = 2,  ///< "Plugins.": any text after the mark
+    Codecs = 1,   ///< "Codecs."; the keys are black-list option keys
+    Plugins = 2,  ///< "Plugins."; any text may follow the prefix
 };
 
-/// Lists by key, in byte order.
+/// Lists by key; keys in byte order.
 using OptionLists = std::map<std::string, std::vector<std::string>>;
 
-/// Reads a list file: UTF-8 text, LF or CRLF, with or without a byte order mark. Blank lines and
-/// lines that begin with "#" are skipped, every other line is "key: value, value, ...". Keys and
-/// values are trimmed, empty values dropped, a key that comes again adds to its list.
-/// Whatever else it meets is a `Tarnex::Exception` whose text names the file and the line.
-OptionLists LoadFromFile(const ioPath& path, FormatType format);
+/// Reads a list file: UTF-8 text, LF or CRLF, with or without a byte order mark. Skips blank lines
+/// and lines that begin with "#". Every other line is "key: value, value, ...". Trims keys and
+/// values, drops empty values, and joins the lists of a repeated key.
+/// Throws `Tarnex::Exception` that names the file and the line if anything else is found.
+[[nodiscard]] OptionLists LoadFromFile(const ioPath& path, FormatType format);
 
-/// The lists as lines of a list file. Throws `Tarnex::Exception` for a key without the form's mark.
+/// Writes the lists as lines of a list file. Throws `Tarnex::Exception` for a key without prefix.
 std::string ModuleOptionsToString(const OptionLists& lists, FormatType format);
 
-/// All values of all keys, in key order and within a key in list order.
+/// All values of all keys: keys in order, and the values of each key in list order.
 std::vector<std::string> ModuleOptionsToBlackPluginList(const OptionLists& lists);
 
-/// Enters `values` as the value of `option` of `module`, in place of what was there.
+/// Sets `option` of `module` to `values`, replacing any earlier values.
 void SetModuleOption(CoreOptions& options, const std::string& module, const std::string& option,
                      const std::vector<std::string>& values);
 
-/// The key without the mark of its form; a key without that mark comes back as it is.
+/// Removes the format's prefix from the key. Returns a key without it unchanged.
 std::string RemoveFormatType(const std::string& key, FormatType format);
 
 }  // namespace Tarnex::Core::Utils

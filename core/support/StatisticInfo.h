@@ -5,18 +5,18 @@
 
 namespace Tarnex::Core::Utils {
 
-/// The record that sums up a run: named sections of key and value.
+/// The statistics of a run: named sections of keys and values.
 class StatisticInfo {
 public:
     using Section = std::map<std::string, std::string>;
 
-    /// The section of that name, made empty if it isn't there.
+    /// The section called `name`; adds an empty one if there is none.
     Section& operator[](const std::string& name) { return sections[name]; }
 
-    /// Takes over the sections of `other`; one of the same name is replaced.
+    /// Adds the sections of `other`, replacing those with the same name.
     void Add(const StatisticInfo& other);
 
-    /// One JSON object on one line, sections and keys in byte order. Bytes that aren't UTF-8 become
+    /// One JSON object on one line; sections and keys in byte order. Bytes that aren't UTF-8 become
     /// U+FFFD.
     explicit operator std::string() const;
 

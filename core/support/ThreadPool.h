@@ -6,14 +6,14 @@
 
 namespace Tarnex::Core {
 
-/// Runs tasks on a fixed number of threads, in the order in which they were given.
-/// `AddTask` and `Stop` belong to one thread, the owner's.
+/// Runs tasks on a fixed number of threads and starts them in the order they were added.
+/// `AddTask` and `Stop` are thread-bound to the owner.
 class ThreadPool {
 public:
-    /// A count of 0 (the platform can't tell) means one thread.
+    /// 0, which means that the platform can't tell, gives one thread.
     explicit ThreadPool(std::size_t threadCount);
 
-    /// Lets the tasks that are running end; drops those that haven't begun.
+    /// Waits for the tasks that are running; drops those that haven't begun.
     ~ThreadPool();
 
     ThreadPool(const ThreadPool&) = delete;
@@ -21,8 +21,8 @@ public:
 
     void AddTask(std::function<void()> task);
 
-    /// Returns when every task given so far has ended. The pool takes new tasks after it. Throws
-    /// the first of the exceptions that tasks have thrown since the last call, if there are any.
+    /// Waits until every task added so far has ended. The pool stays usable. Rethrows the first
+    /// exception that a task has thrown since the last call, if any.
     void Stop();
 
 private:

@@ -5,11 +5,11 @@
 
 namespace Tarnex::Core::Utils {
 
-/// Limits the time of a run, whatever its main thread is doing.
+/// Limits the time of a run, whatever the main thread is doing.
 ///
-/// When the time since `Start` is up, the action runs once on a thread of its own. The action is
-/// meant to end the process by `exit(EXIT_CODE)`. That can hang (in a loader's lock that a module
-/// holds, in a full pipe), so a second thread, made at `Start`, ends the process with the same code
+/// When the time since `Start` is up, the action runs once, on its own thread. The action is meant
+/// to call `exit(EXIT_CODE)`. That call can hang: a module may hold the loader's lock, or a pipe
+/// may be full. So a second thread, created at `Start`, ends the process with the same code
 /// `GRACE` milliseconds after the action began, unless the action has returned by then.
 class WatchDog {
 public:
@@ -18,14 +18,14 @@ public:
 
     WatchDog(unsigned int seconds, std::function<void()> onExpiry);
 
-    /// Cancels the action if the time isn't up yet; waits for it if it is.
+    /// Cancels the action if the time isn't up yet. Otherwise waits for the action.
     ~WatchDog();
 
     WatchDog(const WatchDog&) = delete;
     WatchDog& operator=(const WatchDog&) = delete;
 
-    /// Starts the time, which runs on the monotonic clock; 0 seconds expire at once. To be called
-    /// once. Throws `std::system_error` if no thread can be made.
+    /// Starts the time, measured by the monotonic clock; 0 seconds expire at once. Call it only
+    /// once. Throws `std::system_error` if no thread can be created.
     void Start();
 
 private:

@@ -6,8 +6,8 @@
 
 namespace Tarnex {
 
-/// A file system path in UTF-8. On Linux the bytes are the file system's own and travel unchanged,
-/// also where they aren't UTF-8.
+/// A file system path in UTF-8. On Linux it keeps the file system's bytes unchanged, even if they
+/// aren't UTF-8.
 class ioPath {
 public:
     ioPath() = default;
@@ -16,7 +16,7 @@ public:
 
     bool empty() const { return path.empty(); }
 
-    /// True if a file or directory of this name can be reached; whatever hinders that gives false.
+    /// True if a file or directory of this name can be reached; false on any error.
     bool exists() const {
         boost::system::error_code ignored;
         return boost::filesystem::exists(path, ignored);
@@ -29,7 +29,7 @@ public:
 
     ioPath operator/(const ioPath& right) const { return ioPath(path / right.path); }
 
-    /// The entries of this directory, one level, in the file system's order.
+    /// Iterates over the entries of this directory: one level, in the file system's order.
     /// Throws `boost::filesystem::filesystem_error` if it can't be read.
     boost::filesystem::directory_iterator iterator() const {
         return boost::filesystem::directory_iterator(path);

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Neither hardware nor what hands over to a framework or a device of the system. Not all wrappers
-/// of hardware have the capability flag, OpenMAX's not even a wrapper name.
+/// Excludes hardware coders and wrappers of a system framework or device. Some hardware wrappers
+/// lack the capability flag; those of OpenMAX lack a wrapper name too.
 bool IsSoftware(const AVCodec& coder) {
     return (coder.capabilities & (AV_CODEC_CAP_HARDWARE | AV_CODEC_CAP_HYBRID)) == 0 &&
            !std::string_view(coder.name).ends_with("_omx");

@@ -10,8 +10,8 @@ using Proc::MediaKind;
 
 constexpr char VPX_FASTEST[] = "deadline=1 cpu-used=8 lag-in-frames=0";
 
-// openh264enc is no choice for H.264: it prints to standard error on its own. mpeg2enc is none for
-// MPEG-2: it ends the process where one frame is all that it gets.
+// Two encoders are missing on purpose: openh264enc (H.264) prints to standard error, and mpeg2enc
+// (MPEG-2) ends the process if it gets only one frame.
 constexpr Codec CODECS[] = {
     {.id = "CODEC_ID_AAC",
      .kind = MediaKind::Audio,
@@ -56,7 +56,7 @@ constexpr Codec CODECS[] = {
      .configuredFormat = "hvc1",
      .encoder = "x265enc",
      .fastest = "speed-preset=ultrafast tune=zerolatency"},
-    // Without alpha: the decoders for streams with alpha come first otherwise.
+    // Without alpha: otherwise the framework chooses decoders for streams with alpha.
     {.id = "CODEC_ID_VP8",
      .kind = MediaKind::Video,
      .caps = "video/x-vp8,codec-alpha=false",
@@ -86,7 +86,7 @@ constexpr Codec CODECS[] = {
     {.id = "CODEC_ID_MPEG2VIDEO",
      .kind = MediaKind::Video,
      .caps = "video/mpeg,mpegversion=2,systemstream=false",
-     .tail = {"\x00\x00\x01\xB7", 4}},  // the end code of a sequence
+     .tail = {"\x00\x00\x01\xB7", 4}},  // the sequence end code
     {.id = "CODEC_ID_DVVIDEO", .kind = MediaKind::Video, .caps = "video/x-dv,systemstream=false"},
 };
 

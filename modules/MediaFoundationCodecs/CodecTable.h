@@ -8,35 +8,35 @@
 
 namespace Tarnex::MediaFoundation {
 
-/// What lies between a codec's extradata and the framework, and in which form it gets there.
+/// How a codec's extradata reaches the framework.
 enum class Headers {
-    None,           ///< the packets hold all that a decoder needs
-    Config,         ///< AAC: extradata is the caps' codec_data; without any the packets are ADTS
-    ParameterSets,  ///< H.264, H.265: a length-prefixed stream's configuration, or ahead as bytes
-    Xiph,           ///< Vorbis, Theora: three header packets, ahead of the first packet
-    StreamInfo,     ///< FLAC: the block that follows the stream marker, ahead as bytes
+    None,           ///< not at all: the packets hold all that a decoder needs
+    Config,         ///< AAC: as the caps' codec_data; without extradata the packets are ADTS
+    ParameterSets,  ///< H.264, H.265: codec_data if it is a configuration record, else a buffer
+    Xiph,           ///< Vorbis, Theora: as three header packets before the first packet
+    StreamInfo,     ///< FLAC: in a buffer before the first packet, after the stream marker
 };
 
 struct Codec {
     const char* id;
     Proc::MediaKind kind;
-    /// Of the coded stream, as a decoder's input without extradata.
+    /// Caps of the coded stream as a decoder's input, if there is no extradata.
     const char* caps;
     Headers headers = Headers::None;
-    /// The stream format for which extradata becomes the caps' codec_data; null: it never does.
+    /// The stream format whose extradata becomes the caps' codec_data. Null if there is none.
     const char* configuredFormat = nullptr;
-    /// Bytes behind the last packet, without which a parser would wait for the next picture.
+    /// Bytes after the last packet. Without them a parser would wait for the next picture.
     std::string_view tail = {};
-    /// The element that encodes; null: the framework has none that is fit for use.
+    /// The encoder's element. Null if the framework has none that is fit for use.
     const char* encoder = nullptr;
-    /// What the encoder is always set to, and what makes it fast at the price of the result.
+    /// The encoder's properties: those always set, and those that trade quality for speed.
     const char* settings = "";
     const char* fastest = "";
 };
 
 std::span<const Codec> AllCodecs();
 
-/// Null for an id that isn't in the table.
+/// Null if the table doesn't have the id.
 const Codec* FindCodec(const std::string& codecId);
 
 }  // namespace Tarnex::MediaFoundation

@@ -20,7 +20,7 @@ constexpr char TO_PICTURES[] = "videoconvert ! video/x-raw,format={I420,NV12}";
 constexpr char TO_SOUND[] =
     "audioconvert ! audio/x-raw,format=S16LE,layout=interleaved,channels=[1,2]";
 
-/// Feeds a coded stream into a decoding pipeline, which is made anew after each seek.
+/// Feeds a coded stream into a decoding pipeline. Creates a new pipeline after each seek.
 class Feed {
 public:
     Feed(const Codec& codec, Proc::Pointer<Proc::ICodedStream> input, std::string convert,
@@ -49,7 +49,7 @@ private:
         const auto* const packet = dynamic_cast<const Proc::IPacket*>(data.get());
         if (packet == nullptr) {
             throw Exception(std::string("The decoder of ") + codec.id +
-                            " was given something else than a packet");
+                            " was given something other than a packet");
         }
         if (!isStarted) {
             PushStart();
@@ -58,7 +58,7 @@ private:
         return true;
     }
 
-    // Not before the first packet was read: an encoder knows its extradata only then.
+    // Waits for the first packet, because an encoder knows its extradata only then.
     void PushStart() {
         const StreamStart start = StartOf(codec, *input->GetCodecFormat());
         pipeline->SetInputCaps(start.caps.get());

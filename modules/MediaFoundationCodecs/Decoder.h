@@ -5,8 +5,8 @@
 
 namespace Tarnex::MediaFoundation {
 
-// Decoders that let the framework choose its elements by the stream that comes in. Both throw
-// `Tarnex::Exception` if the input's format is of the other media kind.
+// Create decoders. The framework chooses the elements for the stream that it gets. Both throw
+// `Tarnex::Exception` if the input's format has another media kind, or no size, rate or channels.
 Proc::Pointer<Proc::IStreamVideo> NewVideoDecoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::ICodedStream>& input,
                                                   bool isSingleThreaded);

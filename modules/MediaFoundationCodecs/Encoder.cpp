@@ -41,7 +41,7 @@ std::string FindFault(const Proc::IFormatCodecAudio& format) {
     return Modules::FindFault(format.GetSampleInfo());
 }
 
-/// The coded stream is of the source's size and rates as far as they are known before the start.
+/// Copies what is known before the start: the source's size and rates.
 void Describe(Proc::IFormatCodecVideo& format, const Proc::IFormatCodecVideo& source) {
     const Proc::FrameInfo info = source.GetFrameInfo();
     const Proc::FrameRate rate = source.GetFrameRate();
@@ -59,7 +59,7 @@ void Describe(Proc::IFormatCodecAudio& format, const Proc::IFormatCodecAudio& so
 
 void Complete(Proc::IFormatCodecVideo& /*format*/, const GstCaps* /*caps*/) {}
 
-/// Some encoders work at rates of their own.
+/// Takes the actual rate and channels: some encoders don't use those of the source.
 void Complete(Proc::IFormatCodecAudio& format, const GstCaps* caps) {
     const GstStructure* structure = gst_caps_get_structure(caps, 0);
     Proc::SampleInfo info = format.GetSampleInfo();

@@ -6,8 +6,8 @@
 
 namespace Tarnex::MediaFoundation {
 
-// Encoders on the element that the table names. The format of their packets is complete once the
-// first packet was read. Both throw `Tarnex::Exception` for a stream that no encoder can take.
+// Create encoders from the element that the table names. The format of an encoder is complete once
+// its first packet was read. Both throw `Tarnex::Exception` for a stream that no encoder can take.
 Proc::Pointer<Proc::ICodedStream> NewVideoEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamVideo>& stream,
                                                   Modules::EncoderOptions options);

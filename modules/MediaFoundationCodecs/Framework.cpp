@@ -13,7 +13,7 @@ namespace Tarnex::MediaFoundation {
 
 namespace {
 
-// The descriptor that a child process of this thread gets as standard error; -1: the inherited one.
+// Becomes standard error in child processes of this thread. -1: they inherit ours.
 thread_local int childStandardError = -1;
 
 void RedirectInChild() {
@@ -22,8 +22,8 @@ void RedirectInChild() {
     }
 }
 
-/// The plugin scanner is a child process and writes a line for each broken plugin to the standard
-/// error that it inherits, which is our parent's channel. Touches no other thread's children.
+/// Silences the framework's plugin scanner. It is a child process and would write a line for each
+/// broken plugin to standard error, which our parent reads. Leaves other threads' children alone.
 class QuietChildren {
 public:
     QuietChildren() {
@@ -41,7 +41,7 @@ public:
     QuietChildren& operator=(const QuietChildren&) = delete;
 };
 
-/// Only what ends the process is written: it is the last trace of the reason.
+/// Writes only messages that end the process: they are the last trace of the reason.
 void WriteFatalMessage(const gchar* domain, GLogLevelFlags level, const gchar* message,
                        gpointer data) {
     if ((static_cast<unsigned>(level) & G_LOG_FLAG_FATAL) != 0) {
@@ -49,7 +49,7 @@ void WriteFatalMessage(const gchar* domain, GLogLevelFlags level, const gchar* m
     }
 }
 
-/// This plugin holds another implementation's coders, which are tested under their own name.
+/// Disables the plugin with libav's coders, which we test as an implementation of their own.
 void LeaveOutForeignCoders() {
     GList* features = gst_registry_get_feature_list_by_plugin(gst_registry_get(), "libav");
     for (GList* item = features; item != nullptr; item = item->next) {
@@ -60,7 +60,7 @@ void LeaveOutForeignCoders() {
 
 std::string Start() {
     const QuietChildren quietChildren;
-    gst_debug_remove_log_function(nullptr);  // the one that writes to standard error
+    gst_debug_remove_log_function(nullptr);  // removes the default, which writes to standard error
     g_log_set_default_handler(WriteFatalMessage, nullptr);
     GError* error = nullptr;
     if (gst_init_check(nullptr, nullptr, &error) == FALSE) {

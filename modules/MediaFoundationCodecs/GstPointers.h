@@ -17,7 +17,7 @@ struct GstRelease {
     void operator()(gchar* text) const { g_free(text); }
 };
 
-/// Owns one reference to an object of the framework, or one piece of its memory.
+/// Owns a reference to one of the framework's objects, or memory that the framework allocated.
 template <class T>
 using GstOwner = std::unique_ptr<T, GstRelease>;
 

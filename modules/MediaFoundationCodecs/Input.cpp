@@ -20,7 +20,7 @@ GstClockTime ToClockTime(std::int64_t time) {
     return time < 0 ? GST_CLOCK_TIME_NONE : static_cast<GstClockTime>(time) * GST_MSECOND;
 }
 
-/// A frame needn't keep to its stream's format.
+/// Checks each frame, because frames may differ from their stream's format.
 void Require(const std::string& fault) {
     if (!fault.empty()) {
         throw Exception("The media framework " + fault);
@@ -36,7 +36,7 @@ GstVideoInfo VideoInfoOf(const Proc::IFrameVideo& frame, const Proc::FrameRate& 
     if (gst_video_info_set_format(&info, isNv12 ? GST_VIDEO_FORMAT_NV12 : GST_VIDEO_FORMAT_I420,
                                   static_cast<guint>(size.width),
                                   static_cast<guint>(size.height)) == FALSE) {
-        throw Exception("The media framework has no such pictures");
+        throw Exception("The media framework can't describe such pictures");
     }
     info.fps_n = rate.numerator;
     info.fps_d = rate.denominator;
@@ -74,12 +74,12 @@ GstOwner<GstBuffer> BufferOf(const Proc::IPacket& packet) {
 Input InputOf(const Proc::IFrameVideo& frame, const Proc::FrameRate& rate) {
     GstVideoInfo info = VideoInfoOf(frame, rate);
     if (frame.GetPlanes().size() < GST_VIDEO_INFO_N_PLANES(&info)) {
-        throw Exception("A picture with too few planes");
+        throw Exception("Can't encode a picture with too few planes");
     }
     GstOwner<GstBuffer> buffer(gst_buffer_new_allocate(nullptr, info.size, nullptr));
     GstVideoFrame mapped;
     if (!buffer || gst_video_frame_map(&mapped, &info, buffer.get(), GST_MAP_WRITE) == FALSE) {
-        throw Exception("No memory for a picture of the media framework");
+        throw Exception("The media framework has no memory for a picture");
     }
     for (guint plane = 0; plane < GST_VIDEO_FRAME_N_PLANES(&mapped); ++plane) {
         CopyPlane(frame.GetPlanes()[plane], mapped, plane);

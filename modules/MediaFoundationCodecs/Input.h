@@ -8,13 +8,13 @@
 
 namespace Tarnex::MediaFoundation {
 
-/// A buffer with what describes it.
+/// A buffer and the caps that describe it.
 struct Input {
     GstOwner<GstBuffer> buffer;
     GstOwner<GstCaps> caps;
 };
 
-// Copies for the framework. Frames of an impossible size or rate are a `Tarnex::Exception`.
+// Copy data for the framework. Throw `Tarnex::Exception` for a frame of impossible size or rate.
 GstOwner<GstBuffer> BufferOf(std::span<const std::uint8_t> bytes);
 GstOwner<GstBuffer> BufferOf(const Proc::IPacket& packet);
 Input InputOf(const Proc::IFrameVideo& frame, const Proc::FrameRate& rate);

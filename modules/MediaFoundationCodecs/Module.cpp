@@ -17,8 +17,8 @@ using Modules::ReadEncoderOptions;
 using Modules::RequireStream;
 using Proc::MediaKind;
 
-/// Where the framework doesn't start, its whole table is offered: each codec's test then fails with
-/// the framework's reason, and other implementations' codecs are tested as ever.
+/// Offers the whole table if the framework doesn't start: each test then fails with the framework's
+/// reason, and the codecs of other implementations are tested as usual.
 bool IsOffered(const Codec& codec, CoderType type) {
     const bool isStarted = StartFramework().empty();
     if (type == CoderType::Decoder) {
@@ -28,7 +28,7 @@ bool IsOffered(const Codec& codec, CoderType type) {
            (!isStarted || HasElement(codec.encoder));
 }
 
-/// The codec, once it is known that a coder for it can be made.
+/// Returns the codec, or throws if no coder for it can be created.
 const Codec& Offered(const std::string& codecId, MediaKind kind, CoderType type) {
     if (!StartFramework().empty()) {
         throw Exception(StartFramework());
@@ -37,7 +37,7 @@ const Codec& Offered(const std::string& codecId, MediaKind kind, CoderType type)
     if (codec == nullptr || codec->kind != kind || !IsOffered(*codec, type)) {
         throw Exception("The system's media framework offers no " +
                         std::string(kind == MediaKind::Video ? "video " : "audio ") +
-                        ToString(type) + " of \"" + codecId + '"');
+                        ToString(type) + " for \"" + codecId + '"');
     }
     return *codec;
 }
@@ -97,7 +97,7 @@ TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
     return Tarnex::Module::VERSION;
 }
 
-// Leaves the framework alone: nobody pays for its start who doesn't ask for its codecs.
+// Doesn't start the framework: that would cost time even if none of its codecs is tested.
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
     static auto* const codecs = new Tarnex::MediaFoundation::Codecs;
     description.codecs = codecs;

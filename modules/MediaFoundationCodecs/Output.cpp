@@ -21,14 +21,14 @@ std::int64_t ToStreamTime(GstClockTime time) {
     return GST_CLOCK_TIME_IS_VALID(time) ? static_cast<std::int64_t>(time / GST_MSECOND) : 0;
 }
 
-/// Of a sample's beginning. Some encoders move their times away from 0; the segment takes it back.
+/// A sample's start time. Some encoders shift their times away from 0; the segment undoes that.
 std::int64_t TimeOf(GstSample* sample) {
     const GstClockTime time = GST_BUFFER_PTS(gst_sample_get_buffer(sample));
     return ToStreamTime(
         gst_segment_to_stream_time(gst_sample_get_segment(sample), GST_FORMAT_TIME, time));
 }
 
-/// Not every decoder sets it.
+/// Computes the duration if the decoder doesn't set it.
 GstClockTime DurationOf(const GstBuffer* buffer, const GstVideoInfo& info) {
     if (GST_BUFFER_DURATION_IS_VALID(buffer) || info.fps_n <= 0) {
         return GST_BUFFER_DURATION(buffer);
@@ -36,7 +36,7 @@ GstClockTime DurationOf(const GstBuffer* buffer, const GstVideoInfo& info) {
     return gst_util_uint64_scale_int(GST_SECOND, info.fps_d, info.fps_n);
 }
 
-/// A sample's memory, readable as long as this lives.
+/// Maps a sample's memory for reading.
 class Mapping {
 public:
     explicit Mapping(GstOwner<GstSample> newSample) : sample(std::move(newSample)) {

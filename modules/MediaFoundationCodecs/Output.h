@@ -5,8 +5,8 @@
 
 namespace Tarnex::MediaFoundation {
 
-// What the framework gave, without a copy. Each throws `Tarnex::Exception` if its memory can't be
-// read.
+// Wrap what the framework returned, without a copy. Throw `Tarnex::Exception` if its memory can't
+// be read.
 Proc::Pointer<Proc::IPacket> PacketOf(GstOwner<GstSample> sample);
 Proc::Pointer<Proc::IFrameVideo> VideoFrameOf(GstOwner<GstSample> sample);
 Proc::Pointer<Proc::IFrameAudio> AudioFrameOf(GstOwner<GstSample> sample);

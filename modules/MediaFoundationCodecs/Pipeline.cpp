@@ -12,11 +12,11 @@ namespace Tarnex::MediaFoundation {
 
 namespace {
 
-/// A property by which an element is kept from starting threads of its own.
+/// A property that keeps an element from starting more threads.
 struct ThreadLimit {
     const char* property;
     const char* value;
-    const char* element = nullptr;  ///< null: whichever has the property
+    const char* element = nullptr;  ///< null: any element that has the property
 };
 
 constexpr ThreadLimit THREAD_LIMITS[] = {
@@ -42,20 +42,20 @@ void LimitThreads(GstBin* /*bin*/, GstBin* /*parent*/, GstElement* element, gpoi
     }
 }
 
-/// The element's kind: its own name is numbered, and another one in each run.
+/// The element's type. Its own name has a number that changes from run to run.
 std::string NameOf(GstObject* source) {
     GstElementFactory* const factory =
         GST_IS_ELEMENT(source) ? gst_element_get_factory(GST_ELEMENT(source)) : nullptr;
     return factory != nullptr ? GST_OBJECT_NAME(factory) : GST_OBJECT_NAME(source);
 }
 
-/// The detail for readers. What comes before the line's end is a place in the framework's sources.
+/// The readable detail of a message. The first line only names a place in the framework's sources.
 std::string DetailOf(const gchar* debug) {
     const char* const lineEnd = debug == nullptr ? nullptr : std::strchr(debug, '\n');
     return lineEnd == nullptr ? "" : std::string(" (") + (lineEnd + 1) + ")";
 }
 
-/// What an error or a warning says, and which element says it.
+/// The text of an error or a warning, with the element that reports it.
 std::string TextOf(GstMessage* message) {
     GError* error = nullptr;
     gchar* debug = nullptr;
@@ -136,7 +136,7 @@ void Pipeline::Note(const std::function<void()>& change) {
     changed.notify_all();
 }
 
-// Called on the thread that posts, so that an error is known before the end that follows from it.
+// Runs on the thread that posts, so that an error arrives before the end of stream that it causes.
 GstBusSyncReply Pipeline::OnMessage(GstBus* /*bus*/, GstMessage* message, gpointer self) {
     static_cast<Pipeline*>(self)->NoteMessage(message);
     gst_message_unref(message);
@@ -148,7 +148,7 @@ void Pipeline::NoteMessage(GstMessage* message) {
     if (type != GST_MESSAGE_ERROR && type != GST_MESSAGE_WARNING) {
         return;
     }
-    // The first one is the cause, later ones follow from it.
+    // Keeps only the first message: it is the cause of those that follow.
     Note([&, text = TextOf(message)] {
         std::string& kept = type == GST_MESSAGE_ERROR ? failure : warning;
         if (kept.empty()) {

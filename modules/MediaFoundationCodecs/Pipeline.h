@@ -9,24 +9,24 @@
 
 namespace Tarnex::MediaFoundation {
 
-/// A row of elements that takes buffers at one end and gives samples at the other. Thread-bound;
-/// the framework's own threads work between the two ends, all of them gone after destruction.
+/// A chain of elements that takes buffers at one end and returns samples at the other. The
+/// framework's own threads work in between; none is left after destruction. Thread-bound.
 class Pipeline {
 public:
-    /// `title` begins each failure text; `elements` are in the framework's launch syntax. Throws
-    /// `Tarnex::Exception` if they can't be put together.
+    /// Failure texts begin with `title`. `elements` use the framework's launch syntax. Throws
+    /// `Tarnex::Exception` if the chain can't be built.
     Pipeline(std::string title, const std::string& elements, bool isSingleThreaded);
     ~Pipeline();
     Pipeline(const Pipeline&) = delete;
     Pipeline& operator=(const Pipeline&) = delete;
 
-    /// Describes the buffers that are pushed from now on.
+    /// Describes all buffers pushed after this call.
     void SetInputCaps(GstCaps* caps);
     void Push(GstOwner<GstBuffer> buffer);
 
-    /// The next sample that holds more than headers, empty at the end. Calls `feed`, which pushes
-    /// some input or returns false at its end, whenever the pipeline waits for input. Throws
-    /// `Tarnex::Exception` for what an element reports and for an end without any output.
+    /// The next sample with more than headers, or null at the end. Calls `feed` whenever the
+    /// pipeline waits for input; `feed` pushes some, or returns false at the end of the input.
+    /// Throws `Tarnex::Exception` if an element reports an error or the end comes without output.
     [[nodiscard]] GstOwner<GstSample> Next(const std::function<bool()>& feed);
 
 private:
@@ -51,7 +51,7 @@ private:
     bool isRunning = false;
     bool hasOutput = false;
 
-    std::mutex mutex;  // guards what follows, which the framework's threads change
+    std::mutex mutex;  // guards the members below, which the framework's threads change
     std::condition_variable changed;
     std::string failure;
     std::string warning;

@@ -11,7 +11,7 @@ namespace Tarnex::MediaFoundation {
 namespace {
 
 constexpr std::size_t STREAM_INFO_SIZE = 34;
-// FLAC's stream marker and the head of a last metadata block of STREAM_INFO_SIZE bytes.
+// FLAC's stream marker, then the header of the last metadata block, of STREAM_INFO_SIZE bytes.
 constexpr std::uint8_t FLAC_START[] = {'f', 'L', 'a', 'C', 0x80, 0, 0, STREAM_INFO_SIZE};
 
 Bytes FlacStart(const Codec& codec, const Bytes& streamInfo) {
@@ -55,10 +55,10 @@ void AddHeaders(StreamStart& start, const Codec& codec, const Bytes& extraData) 
             SetConfiguration(start.caps.get(), codec, extraData);
             break;
         case Headers::ParameterSets:
-            // A configuration record begins with its version, bytes of a stream with zeros.
+            // A configuration record begins with its version, 1; the bytes of a stream with zeros.
             if (extraData.front() == 1) {
                 SetConfiguration(start.caps.get(), codec, extraData);
-                // Without it libde265dec takes the length-prefixed stream for plain bytes.
+                // Otherwise libde265dec reads the length-prefixed stream as plain bytes.
                 gst_caps_set_simple(start.caps.get(), "alignment", G_TYPE_STRING, "au", nullptr);
             } else {
                 start.headers.push_back(extraData);

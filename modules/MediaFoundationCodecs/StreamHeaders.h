@@ -9,18 +9,18 @@
 
 namespace Tarnex::MediaFoundation {
 
-/// How a decoder's input begins.
+/// How the input of a decoder begins.
 struct StreamStart {
     GstOwner<GstCaps> caps;
-    std::vector<Bytes> headers;  ///< buffers that go ahead of the first packet
+    std::vector<Bytes> headers;  ///< buffers to push before the first packet
 };
 
-/// From a coded stream's format to the framework. Throws `Tarnex::Exception` if the extradata is
-/// malformed or the format is of the other kind than the codec.
+/// Converts a coded stream's format for the framework. Throws `Tarnex::Exception` if the extradata
+/// is malformed or the format's media kind differs from the codec's.
 StreamStart StartOf(const Codec& codec, const Proc::IFormatCodec& format);
 
-/// From an encoder's output caps to a coded stream's extradata, in the form that `StartOf` takes;
-/// empty where the packets hold all.
+/// Converts an encoder's output caps to extradata in the form that `StartOf` takes. Empty if the
+/// packets hold all that a decoder needs.
 Bytes ExtraDataOf(const Codec& codec, const GstCaps* caps);
 
 }  // namespace Tarnex::MediaFoundation

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t HEADERS = 3;  // identification, comment, setup
 
-/// Reads bytes in order; throws where they end too early.
+/// Reads bytes in order. Throws if they end too early.
 class Reader {
 public:
     explicit Reader(std::span<const std::uint8_t> data) : data(data) {}
@@ -21,7 +21,7 @@ public:
         const auto bytes = Take(2);
         return static_cast<std::size_t>(bytes[0]) << 8U | bytes[1];
     }
-    /// A length as a row of bytes to be added, of which only the last is below 255.
+    /// A laced length: the sum of bytes up to and including the first below 255.
     std::size_t LacedSize() {
         std::size_t size = 0;
         std::size_t byte = 255;
@@ -45,7 +45,7 @@ private:
     std::span<const std::uint8_t> data;
 };
 
-// The number of packets less one, the lengths of all but the last, the packets.
+// One byte (the number of packets minus one), the lengths of all packets but the last, the packets.
 std::vector<Bytes> SplitLaced(Reader reader) {
     reader.Byte();
     const std::size_t first = reader.LacedSize();

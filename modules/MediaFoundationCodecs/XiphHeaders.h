@@ -7,11 +7,11 @@ namespace Tarnex::MediaFoundation {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The three header packets of a Vorbis or Theora stream, out of the extradata that holds them in
-/// either of the forms in use. Throws `Tarnex::Exception` if it is cut off.
+/// Splits a Vorbis or Theora stream's extradata into its three header packets. Reads both forms in
+/// use. Throws `Tarnex::Exception` if the extradata is truncated.
 std::vector<Bytes> SplitXiphHeaders(const Bytes& extraData);
 
-/// The extradata of such packets: each behind its length in 16 bits.
+/// Joins header packets to extradata: each packet after its length in 16 bits.
 Bytes JoinXiphHeaders(const std::vector<Bytes>& headers);
 
 }  // namespace Tarnex::MediaFoundation

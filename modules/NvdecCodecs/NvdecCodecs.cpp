@@ -16,7 +16,7 @@ TARNEX_MODULE_EXPORT std::uint32_t TarnexModuleVersion() {
     return Tarnex::Module::VERSION;
 }
 
-/// Loads where there is no GPU too: its coders tell then that they can't be opened.
+/// Succeeds without a GPU too: then each coder reports that it can't be opened.
 TARNEX_MODULE_EXPORT bool TarnexModuleInitialize(Tarnex::Module::Description& description) {
     description.codecs = new Tarnex::Libav::CodecModule(Tarnex::Proc::ImplNames::NVDEC, IsNvidia);
     return true;

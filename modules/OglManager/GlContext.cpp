@@ -18,7 +18,7 @@ void Require(bool success, const char* step) {
 
 GlContext::GlContext(EGLDisplay display) : display(display) {
     if (display == EGL_NO_DISPLAY) {
-        throw Exception("no such display");
+        throw Exception("there is no such display");
     }
     Require(eglInitialize(display, nullptr, nullptr) == EGL_TRUE, "eglInitialize");
     try {

@@ -4,12 +4,12 @@
 
 namespace Tarnex::Ogl {
 
-/// An OpenGL context without a window, current on the thread that made it. That thread has to
-/// destroy it.
+/// An OpenGL context without a window, current on the thread that created it. The same thread has
+/// to destroy it.
 class GlContext {
 public:
-    /// Takes the display and initialises it. Throws `Tarnex::Exception` with the step that failed
-    /// and its error, also if the context doesn't answer.
+    /// Initialises the display. Throws `Tarnex::Exception` with the failed step and its error, also
+    /// if the context is created but doesn't answer.
     explicit GlContext(EGLDisplay display);
     ~GlContext();
 

@@ -1,5 +1,5 @@
 #include <EGL/egl.h>
-// The extensions need the types above.
+// After egl.h: the extensions use its types.
 #include <EGL/eglext.h>
 
 #include <memory>
@@ -13,7 +13,7 @@
 namespace Tarnex::Ogl {
 namespace {
 
-/// A display that needs neither a window system nor a screen, where the EGL has such a thing.
+/// A display without a window system or a screen; `EGL_NO_DISPLAY` if this EGL offers none.
 EGLDisplay GetSurfacelessDisplay() {
     const char* extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
     if (extensions == nullptr ||
@@ -30,7 +30,7 @@ public:
         std::string reason;
         if (!TryToStart(GetSurfacelessDisplay(), reason) &&
             !TryToStart(eglGetDisplay(EGL_DEFAULT_DISPLAY), reason)) {
-            throw Exception("No usable OpenGL; without a window system and with the default: " +
+            throw Exception("No usable OpenGL; without a window system, then with the default: " +
                             reason);
         }
     }

@@ -7,7 +7,7 @@
 namespace Tarnex::Modules {
 namespace {
 
-/// Some encoders loop or abort below and above.
+/// Outside these limits some encoders loop or abort.
 constexpr int MIN_SIDE = 16;
 constexpr int MAX_SIDE = 16384;
 
@@ -29,7 +29,7 @@ bool IsEncodable(const Proc::SampleInfo& info) {
 std::string FindFault(const Proc::FrameInfo& info, const Proc::FrameRate& rate) {
     return IsEncodable(info, rate)
                ? ""
-               : fmt::format("can't encode {} by {} pixels of {}:{} at {}/{} frames a second",
+               : fmt::format("can't encode {}x{} pixels of aspect {}:{} at {}/{} frames a second",
                              info.width, info.height, info.aspectX, info.aspectY, rate.numerator,
                              rate.denominator);
 }

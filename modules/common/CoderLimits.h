@@ -6,12 +6,12 @@
 
 namespace Tarnex::Modules {
 
-// Libraries of coders loop or abort on absurd input, so it is refused before it gets there.
+// Some coder libraries loop or abort on absurd input, so we refuse it before they see it.
 
-/// Why no encoder takes such pictures, empty if one may.
+/// The reason why no encoder takes such pictures; empty if they are acceptable.
 [[nodiscard]] std::string FindFault(const Proc::FrameInfo& info, const Proc::FrameRate& rate);
 
-/// Why no encoder takes such sound, empty if one may.
+/// The reason why no encoder takes such sound; empty if it is acceptable.
 [[nodiscard]] std::string FindFault(const Proc::SampleInfo& info);
 
 }  // namespace Tarnex::Modules

@@ -10,7 +10,7 @@
 
 namespace Tarnex::Modules {
 
-/// A stream whose reads are measured. It adds its format, its place and `MakeNext`.
+/// Measures a stream's reads. The derived class adds the format, the position and `MakeNext`.
 template <class Interface>
 class MeasuredStream : public Proc::StreamBase<Interface> {
 public:
@@ -25,16 +25,16 @@ public:
     }
 
 protected:
-    /// One frame or packet, empty at the end.
+    /// The next frame or packet, or null at the end.
     virtual Proc::Pointer<Proc::IData> MakeNext() = 0;
 };
 
-/// What every coder answers alike: its place is that of the stream that it reads. A coder adds its
-/// format, `MakeNext` and `Restart`. Thread-bound.
+/// What all coders have in common: a coder's position is that of the stream it reads. The derived
+/// class adds the format, `MakeNext` and `Restart`. Thread-bound.
 template <class Interface, class Base = MeasuredStream<Interface>>
 class CoderStream : public Base {
 public:
-    /// `source` is what the coder reads; it isn't null. `name` heads the statistics.
+    /// The coder reads `source`, which isn't null. `name` is the heading of the statistics.
     CoderStream(Proc::Pointer<Proc::IStream> source, std::string name)
         : Base(std::move(name)), source(std::move(source)) {}
 
@@ -46,14 +46,14 @@ public:
     std::int64_t GetPosition() const override { return source->GetPosition(); }
 
 protected:
-    /// The source was moved: forget what was read of it.
+    /// Called after a seek in the source: discards everything read before it.
     virtual void Restart() = 0;
 
 private:
     Proc::Pointer<Proc::IStream> source;
 };
 
-/// The same for a decoder, whose frames can be read by their own type too.
+/// A decoder: also returns its frames by their own type.
 template <class Interface, class Frame>
 class DecoderStream : public CoderStream<Interface> {
 public:

@@ -8,20 +8,20 @@
 
 namespace Tarnex::Modules {
 
-/// How an encoder is to work.
+/// How an encoder should work.
 struct EncoderOptions {
     bool isFastest = false;
     bool isSingleThreaded = false;
-    std::string own;  ///< the library's own options; see `IPreset::ITEM_OPTIONS`
+    std::string own;  ///< options of the encoder's library; see `IPreset::ITEM_OPTIONS`
 };
 
-/// Whether the core holds its coders to one thread each.
+/// Whether the core limits each coder to one thread.
 [[nodiscard]] bool IsSingleThreaded();
 
-/// What the preset of an encoder and the core ask for.
+/// Reads the encoder's preset and the core's limit on threads.
 [[nodiscard]] EncoderOptions ReadEncoderOptions(const Proc::Property& preset);
 
-/// The stream, or a `Tarnex::Exception` where there is none.
+/// Returns `stream`. Throws `Tarnex::Exception` if it is null.
 template <class Stream>
 const Proc::Pointer<Stream>& RequireStream(const Proc::Pointer<Stream>& stream) {
     if (!stream) {

@@ -18,7 +18,7 @@ using Proc::Pointer;
 
 CodecModule::CodecModule(std::string implementation, bool (*offers)(const AVCodec&))
     : implementation(std::move(implementation)), table(offers) {
-    av_get_cpu_flags();  // fills a cache that the coders' threads would race for
+    av_get_cpu_flags();  // fills a cache; the coders' threads would race to fill it
 }
 
 Proc::MediaKind CodecModule::GetMediaKind(const std::string& codecId) {
@@ -62,7 +62,7 @@ const AVCodec& CodecModule::Require(CoderType type, AVMediaType kind,
     const AVCodec* codec = table.Find(type, codecId);
     if (codec == nullptr || codec->type != kind) {
         throw Exception(implementation + " has no " + av_get_media_type_string(kind) + " " +
-                        (type == CoderType::Encoder ? "encoder" : "decoder") + " of \"" + codecId +
+                        (type == CoderType::Encoder ? "encoder" : "decoder") + " for \"" + codecId +
                         "\"");
     }
     return *codec;

@@ -5,10 +5,10 @@
 
 namespace Tarnex::Libav {
 
-/// libavcodec's coders as a codec module.
+/// Offers libavcodec's coders as a codec module.
 class TARNEX_TYPE CodecModule : public Module::ICodecModule {
 public:
-    /// `offers` says which of libavcodec's coders belong to the implementation.
+    /// `offers` returns true for the coders that belong to the implementation.
     CodecModule(std::string implementation, bool (*offers)(const AVCodec&));
 
     std::string GetImplementation() const override { return implementation; }

@@ -11,25 +11,25 @@
 namespace Tarnex::Libav {
 
 /// "CODEC_ID_" and the upper-case name of libavcodec's descriptor; `CODEC_ID_H265` for "hevc".
-/// Empty for an id without a descriptor.
+/// Empty if libavcodec has no descriptor for the id.
 std::string ToCodecId(AVCodecID id);
 
-/// `AV_CODEC_ID_NONE` for a text that names none.
+/// `AV_CODEC_ID_NONE` for an unknown codec id.
 AVCodecID FromCodecId(const std::string& codecId);
 
 /// Video, audio or none.
 Proc::MediaKind ToMediaKind(AVMediaType type);
 
-/// The coders of one implementation: at most one decoder and one encoder for each codec id, the
-/// first in libavcodec's order that isn't experimental. Thread-safe once made.
+/// The coders of one implementation: at most one decoder and one encoder for each codec id, namely
+/// the first in libavcodec's order that isn't experimental. Thread-safe after construction.
 class CodecTable {
 public:
     explicit CodecTable(bool (*offers)(const AVCodec&));
 
-    /// In libavcodec's order.
+    /// The codec ids, in libavcodec's order.
     const std::vector<std::string>& GetCodecs(Core::CoderType type) const;
     Proc::MediaKind GetMediaKind(const std::string& codecId) const;
-    /// Null where there is none.
+    /// Null if there is none.
     const AVCodec* Find(Core::CoderType type, const std::string& codecId) const;
 
 private:

@@ -5,13 +5,13 @@
 
 namespace Tarnex::Libav {
 
-/// A coded stream of ours. What the common format can't say goes with libav's own parameters.
+/// One of our own coded streams. Carries libav's parameters, which say more than the core's format.
 class TARNEX_TYPE CodedStream : public Modules::MeasuredStream<Proc::ICodedStream> {
 public:
     using MeasuredStream::MeasuredStream;
 
     virtual const AVCodecParameters& GetParameters() const = 0;
-    /// The unit of the times in its packets.
+    /// The unit of its packets' times.
     virtual AVRational GetTimeBase() const = 0;
 };
 

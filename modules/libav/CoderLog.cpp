@@ -43,7 +43,7 @@ std::string CoderLog::Explain(const std::string& failure) const {
 std::string CoderLog::Explain(const std::string& failure, int libavError) const {
     std::array<char, AV_ERROR_MAX_STRING_SIZE> reason{};
     av_strerror(libavError, reason.data(), reason.size());
-    return Explain(failure + ": " + reason.data());
+    return Explain(failure + " failed: " + reason.data());
 }
 
 void CoderLog::Fail(const std::string& failure) const {

@@ -4,24 +4,24 @@
 
 namespace Tarnex::Libav {
 
-/// What libav says about one coder or file: the last 4 KB of its warnings and errors. They go with
-/// the text of a failure; standard error belongs to the program.
+/// Collects what libav logs for one coder or file: the last 4 KB of its warnings and errors. They
+/// become part of failure texts. They never go to standard error, which the parent reads.
 class CoderLog {
 public:
-    /// `owner` begins the failure texts, such as "Encoder libx264".
+    /// Failure texts begin with `owner`, such as "Encoder libx264".
     explicit CoderLog(std::string owner) : owner(std::move(owner)) {}
 
     void Append(const char* line);
 
-    /// The text of a failure: owner, what it couldn't do, and what libav has logged so far.
+    /// The text of a failure: the owner, the failure, and what libav has logged so far.
     std::string Explain(const std::string& failure) const;
     std::string Explain(const std::string& failure, int libavError) const;
 
-    /// Throws that text as a `Tarnex::Exception`.
+    /// Throws `Tarnex::Exception` with the text of `Explain`.
     [[noreturn]] void Fail(const std::string& failure) const;
     [[noreturn]] void Fail(const std::string& failure, int libavError) const;
 
-    /// Passes on a result of libav that is no error code.
+    /// Returns `result`, or fails if it is an error code of libav. `failure` names the step.
     int Check(int result, const char* failure) const {
         if (result < 0) {
             Fail(failure, result);
@@ -34,8 +34,8 @@ private:
     std::string text;
 };
 
-/// While it lives, what libav logs on this thread goes to `log`. Scopes nest: a decoder calls the
-/// encoder that feeds it. Without a scope, and on libav's own threads, the lines are dropped.
+/// Sends what libav logs on this thread to `log` while the scope lasts. Scopes nest, because a
+/// decoder calls the encoder that feeds it. Drops what libav logs elsewhere or on its own threads.
 class LogScope {
 public:
     explicit LogScope(CoderLog& log);

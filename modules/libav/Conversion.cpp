@@ -13,7 +13,7 @@ void ReleaseFrame(void* frame, std::uint8_t*) {
     intrusive_ptr_release(static_cast<Proc::IFrameVideo*>(frame));
 }
 
-/// A read-only reference of libav's that holds one of ours.
+/// Creates a read-only libav buffer that shares the plane and keeps the frame alive.
 AVBufferRef* Share(const Proc::Plane& plane, const Pointer<Proc::IFrameVideo>& frame) {
     const auto size =
         static_cast<std::size_t>(plane.stride) * static_cast<std::size_t>(plane.height);
@@ -26,7 +26,7 @@ AVBufferRef* Share(const Proc::Plane& plane, const Pointer<Proc::IFrameVideo>& f
     return buffer;
 }
 
-/// Greys. libswscale writes no pictures with a palette, so their numbers are the luma.
+/// Adds a palette of greys. libswscale can't write palettes, so the indices are the luma values.
 void AddPalette(AVFrame& picture) {
     picture.buf[1] = av_buffer_alloc(AVPALETTE_SIZE);
     if (picture.buf[1] == nullptr) {
@@ -62,7 +62,8 @@ Handle<AVFrame> ToAvFrame(const Pointer<Proc::IFrameVideo>& frame) {
     const std::vector<Proc::Plane>& planes = frame->GetPlanes();
     if (static_cast<int>(planes.size()) !=
         av_pix_fmt_count_planes(static_cast<AVPixelFormat>(picture->format))) {
-        throw Exception("A video frame of " + std::to_string(planes.size()) + " planes");
+        throw Exception("Can't read a video frame with " + std::to_string(planes.size()) +
+                        " planes");
     }
     for (std::size_t i = 0; i < planes.size(); ++i) {
         picture->data[i] = planes[i].data;
@@ -96,8 +97,8 @@ Handle<AVFrame> PictureConverter::Convert(Handle<AVFrame> picture, const Picture
                                       form.width, form.height, written, SWS_FAST_BILINEAR, nullptr,
                                       nullptr, nullptr));
     if (!scaler) {
-        log.Fail(std::string("no conversion from pixel format ") + av_get_pix_fmt_name(format) +
-                 " to " + av_get_pix_fmt_name(form.format));
+        log.Fail(std::string("can't convert pixel format ") + av_get_pix_fmt_name(format) + " to " +
+                 av_get_pix_fmt_name(form.format));
     }
     Handle<AVFrame> converted = Own(av_frame_alloc());
     converted->pts = picture->pts;

@@ -6,13 +6,13 @@
 
 namespace Tarnex::Libav {
 
-/// Throws `Tarnex::Exception` for a value that is none.
+/// Throws `Tarnex::Exception` for an unknown value.
 AVPixelFormat ToAvFormat(Proc::PixFmt format);
 
-/// The core's frame as libav's. The pixels are shared, not copied. Throws `Tarnex::Exception` for a
-/// frame that has no planes or no known pixel format.
+/// Wraps the core's frame as libav's. Shares the pixels, without a copy. Throws `Tarnex::Exception`
+/// if the frame's pixel format is unknown or its planes don't fit the format.
 [[nodiscard]] Handle<AVFrame> ToAvFrame(const Proc::Pointer<Proc::IFrameVideo>& frame);
-/// The same for sound; the frame must outlive the result.
+/// Wraps the core's sound. The frame must outlive the result.
 [[nodiscard]] Handle<AVFrame> ToAvFrame(const Proc::IFrameAudio& frame);
 
 struct PictureForm {
@@ -26,7 +26,7 @@ class PictureConverter {
 public:
     explicit PictureConverter(CoderLog& log) : log(log) {}
 
-    /// The picture in that form; itself where it has it.
+    /// Converts to `form`. Returns the picture itself if it already has that form.
     [[nodiscard]] Handle<AVFrame> Convert(Handle<AVFrame> picture, const PictureForm& form);
 
 private:
@@ -39,7 +39,7 @@ class SoundConverter {
 public:
     explicit SoundConverter(CoderLog& log) : log(log) {}
 
-    /// The sound in that form, without what the resampler keeps back.
+    /// Converts the sound. The resampler may keep back some samples for the next call.
     [[nodiscard]] Handle<AVFrame> Convert(const AVFrame& sound, AVSampleFormat format, int rate,
                                           const AVChannelLayout& layout);
 

@@ -13,7 +13,7 @@ namespace {
 
 using Proc::Pointer;
 
-/// A frame that libav holds.
+/// The core's view of a frame that libav owns.
 template <class Interface>
 class DecodedFrame : public Proc::FrameTiming<Interface> {
 public:
@@ -86,7 +86,7 @@ std::int64_t DurationOf(const AVFrame& frame) {
 #endif
 }
 
-/// A picture's; its packet need not say it, nor the stream. Milliseconds.
+/// How long a picture lasts, in milliseconds. 0 if neither the packet nor the stream says it.
 std::int64_t LengthOf(const AVFrame& frame, const AVCodecContext& coder) {
     const std::int64_t duration = DurationOf(frame);
     if (duration > 0) {

@@ -5,11 +5,11 @@
 
 namespace Tarnex::Libav {
 
-/// A decoder whose frames are planar YUV 4:2:0 or NV12.
+/// Creates a decoder whose frames are planar YUV 4:2:0 or NV12.
 Proc::Pointer<Proc::IStreamVideo> MakeVideoDecoder(const AVCodec& codec,
                                                    const Proc::Pointer<Proc::ICodedStream>& input,
                                                    bool isSingleThreaded);
-/// A decoder whose frames are interleaved 16 bit samples, mono or stereo.
+/// Creates a decoder whose frames are interleaved 16-bit samples, mono or stereo.
 Proc::Pointer<Proc::IStreamAudio> MakeAudioDecoder(const AVCodec& codec,
                                                    const Proc::Pointer<Proc::ICodedStream>& input,
                                                    bool isSingleThreaded);

@@ -70,7 +70,7 @@ void Encoder::SetOptions(const char* text) {
     av_dict_free(&dictionary);
     log.Check(result, "setting options");
     if (!name.empty()) {
-        log.Fail("knows no option \"" + name + '"');
+        log.Fail("has no option \"" + name + '"');
     }
 }
 

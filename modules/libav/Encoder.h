@@ -9,8 +9,8 @@
 
 namespace Tarnex::Libav {
 
-/// An encoder of libavcodec. Its packets are in the form in which a parser of files would deliver
-/// them, so that decoders need not know where a stream comes from. Thread-bound.
+/// One of libavcodec's encoders. Its packets have the form in which a file's parser delivers them,
+/// so that a decoder needn't know where a stream comes from. Thread-bound.
 class Encoder : public Modules::CoderStream<Proc::ICodedStream, CodedStream> {
 public:
     /// Throws `Tarnex::Exception` with the reason if the encoder can't be opened.
@@ -30,7 +30,7 @@ protected:
 
 private:
     void Open();
-    /// "key=value key=value". A key that the encoder doesn't know is a failure.
+    /// Sets "key=value key=value". Fails on a key that the encoder doesn't have.
     void SetOptions(const char* text);
     void Feed();
     Handle<AVPacket> Complete(Handle<AVPacket> packet) const;

@@ -9,19 +9,19 @@
 
 namespace Tarnex::Libav {
 
-/// What an encoder reads: the frames of a stream in the form that the encoder takes. Thread-bound.
+/// Reads a stream's frames and converts them to the form that an encoder takes. Thread-bound.
 class EncoderInput {
 public:
     virtual ~EncoderInput() = default;
 
-    /// Settles the form, before the encoder is opened. Throws `Tarnex::Exception` for a format that
-    /// no encoder could take (libav itself would abort on some).
+    /// Chooses the form; call it before the encoder is opened. Throws `Tarnex::Exception` for a
+    /// stream format that no encoder takes: on some of them libav itself would abort.
     virtual void Configure(AVCodecContext& encoder, const EncoderTraits& traits) = 0;
 
-    /// The next frame, empty at the end.
+    /// The next frame, or null at the end.
     [[nodiscard]] virtual Handle<AVFrame> Next(const AVCodecContext& encoder) = 0;
 
-    /// Forgets what was read and not given.
+    /// Discards what was read but not yet returned.
     virtual void Restart() {}
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char NVENC_FASTEST[] = "preset=p1 tune=ull";
 
-/// The header of a TTA file, without lengths and checksum.
+/// The header of a TTA file, without its lengths and checksum.
 void CompleteTta(AVCodecParameters& parameters) {
     std::uint8_t header[22] = {'T', 'T', 'A', '1', 1, 0};
     const auto put = [&](int at, int bytes, int value) {
@@ -25,7 +25,7 @@ void CompleteTta(AVCodecParameters& parameters) {
     SetExtraData(parameters, header, std::size(header));
 }
 
-/// The four bytes after the flags are the bitstream's version.
+/// Flags, then four bytes with the version of the bitstream.
 void CompleteRv10(AVCodecParameters& parameters) {
     constexpr std::uint8_t VERSION[] = {0, 0, 0, 0, 0x10, 0, 0, 0};
     SetExtraData(parameters, VERSION, std::size(VERSION));
@@ -41,12 +41,12 @@ void CompleteBitpacked(AVCodecParameters& parameters) {
     parameters.bits_per_coded_sample = 20;
 }
 
-/// A packet of one slice, which begins at its first byte.
+/// Describes a packet of one slice that begins at the packet's first byte.
 std::string PrefixRv(const AVCodecParameters&) {
     return {0, 1, 0, 0, 0, 0, 0, 0, 0};
 }
 
-/// The header of a grey image, in cards of 80 characters. A parser takes the first of 36 away.
+/// The header of a grey image: cards of 80 characters. A parser removes the first of 36 cards.
 std::string PrefixFits(const AVCodecParameters& parameters) {
     constexpr std::size_t CARD = 80;
     std::string header;
@@ -67,7 +67,7 @@ constexpr EncoderTraits TRAITS[] = {
     {.name = "bitpacked", .complete = CompleteBitpacked},
     {.name = "cinepak", .fastest = "max_extra_cb_iterations=0 min_strips=32 max_strips=32"},
     {.name = "dnxhd", .options = "b=120M", .pixelFormat = AV_PIX_FMT_YUV422P},
-    {.name = "ffv1", .fastest = "level=4"},  // 25 instead of 300 MB for a packet
+    {.name = "ffv1", .fastest = "level=4"},  // a packet takes 25 MB instead of 300 MB
     {.name = "fits", .pixelFormat = AV_PIX_FMT_GRAY8, .packetPrefix = PrefixFits},
     {.name = "g723_1", .sampleRate = 8000, .channels = 1},
     {.name = "g726", .sampleRate = 8000, .channels = 1},

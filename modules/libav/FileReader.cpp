@@ -45,7 +45,7 @@ public:
             return;
         }
         if (time <= 0) {
-            OpenStream();  // not all containers know their way back
+            OpenStream();  // some containers can't seek back
         } else {
             log.Check(av_seek_frame(file.get(), stream->index, time, AVSEEK_FLAG_BACKWARD),
                       "seeking");
@@ -92,7 +92,7 @@ private:
     CoderLog log;
     Handle<AVFormatContext> file;
     AVStream* stream = nullptr;
-    /// Behind what was read, in units of the stream.
+    /// The end of what was read, in the stream's time base.
     std::int64_t position = 0;
 };
 

@@ -5,7 +5,7 @@
 
 namespace Tarnex::Libav {
 
-/// Opens a media file with libavformat. Each stream of it reads the file on its own. Throws
+/// Opens a media file with libavformat. Each of its streams reads the file on its own. Throws
 /// `Tarnex::Exception` with the file's name and the reason if it can't be read.
 TARNEX_TYPE Proc::Pointer<Proc::IStreamReader> OpenFile(const ioPath& path);
 

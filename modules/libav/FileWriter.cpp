@@ -6,7 +6,8 @@
 namespace Tarnex::Libav {
 namespace {
 
-/// An output file of one stream. Unlike the files that are read, libav closes it in two steps.
+/// An output file of one stream. `Handle` doesn't fit: libav closes input files in one step, but
+/// output files in two.
 class OutputFile {
 public:
     OutputFile(const std::string& path, const CoderLog& log) {

@@ -5,8 +5,8 @@
 
 namespace Tarnex::Libav {
 
-/// Writes the whole stream to a new file with libavformat; the extension says the container. Throws
-/// `Tarnex::Exception` with the file's name and the reason if it can't be written.
+/// Writes the whole stream to a new file with libavformat. The extension selects the container.
+/// Throws `Tarnex::Exception` with the file's name and the reason if it can't be written.
 TARNEX_TYPE void WriteFile(const ioPath& path, Proc::ICodedStream& stream);
 
 }  // namespace Tarnex::Libav

@@ -8,11 +8,11 @@
 namespace Tarnex::Libav {
 namespace {
 
-/// Not all decoders look at it themselves.
+/// Some decoders don't check this themselves.
 void RequireDecodable(const AVCodecParameters& stream, const CoderLog& log) {
     if (stream.codec_type == AVMEDIA_TYPE_VIDEO) {
         if (stream.width <= 0 || stream.height <= 0) {
-            log.Fail("can't decode pictures of " + std::to_string(stream.width) + " by " +
+            log.Fail("can't decode " + std::to_string(stream.width) + "x" +
                      std::to_string(stream.height) + " pixels");
         }
     } else if (stream.sample_rate <= 0 || stream.ch_layout.nb_channels <= 0) {
@@ -84,7 +84,7 @@ void FrameDecoder::Feed() {
         Open();
     }
     if (packet->size == 0) {
-        return;  // such as the last one of FLAC, which corrects the extradata
+        return;  // such as FLAC's last packet, which only corrects the extradata
     }
     const int result = avcodec_send_packet(coder.get(), packet.get());
     if (!IsBadPacket(result)) {

@@ -8,28 +8,28 @@
 
 namespace Tarnex::Libav {
 
-/// A decoder of libavcodec: packets in, libav's frames out. Thread-bound.
+/// One of libavcodec's decoders: reads packets, returns libav's frames. Thread-bound.
 class FrameDecoder {
 public:
     /// Throws `Tarnex::Exception` with the reason if the decoder can't be opened.
     FrameDecoder(const AVCodec& codec, Proc::Pointer<Proc::ICodedStream> input,
                  bool isSingleThreaded);
 
-    /// The next frame, empty at the end. Its time is in milliseconds. Goes on over packets that
-    /// can't be decoded, as a file has them that was cut; if no frame comes of the others, the
-    /// first one's failure is thrown.
+    /// The next frame, or null at the end; its time is in milliseconds. Skips packets that can't be
+    /// decoded, such as those of a truncated file. Throws the failure of the first such packet if
+    /// no packet gives a frame.
     [[nodiscard]] Handle<AVFrame> Next();
-    /// The input was moved.
+    /// Call it after a seek in the input.
     void Restart();
 
-    /// What it knows of the frames: all after the first one.
+    /// What the decoder knows of its frames; complete once the first frame was read.
     const AVCodecContext& GetContext() const { return *coder; }
     CoderLog& GetLog() { return log; }
 
 private:
     void Open();
     void Feed();
-    /// Notes the failure text of the first one.
+    /// True if the packet can't be decoded. Keeps the failure text of the first such packet.
     bool IsBadPacket(int result);
     [[noreturn]] void FailWithoutOutput() const;
 

@@ -30,7 +30,7 @@ struct Release {
 template <class T>
 using Handle = std::unique_ptr<T, Release>;
 
-/// What libav made, or `std::bad_alloc` where it had no memory for it.
+/// Takes ownership of what libav allocated. Throws `std::bad_alloc` if it is null.
 template <class T>
 [[nodiscard]] Handle<T> Own(T* made) {
     if (made == nullptr) {

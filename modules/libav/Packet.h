@@ -5,7 +5,7 @@
 
 namespace Tarnex::Libav {
 
-/// A packet of a coded stream of ours, with all that libav knows of it.
+/// A packet of one of our own coded streams, with all that libav knows of it.
 class TARNEX_TYPE Packet : public Proc::RefCounted<Proc::IPacket> {
 public:
     Packet(Handle<AVPacket> packet, AVRational timeBase)

@@ -9,24 +9,24 @@
 
 namespace Tarnex::Libav {
 
-/// Both sides number colours by the same standard.
+/// libav and the core use the same numbers for colours.
 Proc::ColorSpace ToColorSpace(AVColorPrimaries primaries, AVColorTransferCharacteristic transfer,
                               AVColorSpace matrix);
 
-/// The common format that says the same.
+/// The core's format for libav's parameters.
 Proc::Pointer<Proc::IFormatCodec> MakeFormat(const AVCodecParameters& parameters,
                                              AVRational frameRate);
 
-/// What is known of any coded stream: all for one of ours, what its format says for another.
+/// All that libav knows of one of our own streams; what the format says of any other stream.
 [[nodiscard]] Handle<AVCodecParameters> GetParameters(const Proc::ICodedStream& stream);
 AVRational GetTimeBase(const Proc::ICodedStream& stream);
-/// 0/1 where it isn't video or the format doesn't say.
+/// 0/1 if the stream isn't video or its format has no frame rate.
 AVRational GetFrameRate(const Proc::ICodedStream& stream);
 
 /// Copies the bytes.
 void SetExtraData(AVCodecParameters& parameters, const std::uint8_t* data, std::size_t size);
 
-/// The packet, shared where it is one of ours and copied where it isn't, in units of `timeBase`.
+/// Converts to units of `timeBase`. Shares the data of one of our own packets; copies any other.
 [[nodiscard]] Handle<AVPacket> ToAvPacket(const Proc::IPacket& packet, AVRational timeBase);
 
 }  // namespace Tarnex::Libav

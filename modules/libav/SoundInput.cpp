@@ -7,10 +7,11 @@
 namespace Tarnex::Libav {
 namespace {
 
-/// For encoders that take frames of any size.
+/// The frame size for encoders that take any.
 constexpr int SAMPLES_PER_FRAME = 1024;
 
-/// `wanted` where the list, which ends with `end`, is missing or has it; else the list's first.
+/// Returns `wanted` if it is in the list or there is no list, else the first of the list. The list
+/// ends with `end`.
 template <class T>
 T ChooseOf(const T* list, T end, T wanted) {
     if (list == nullptr) {
@@ -100,7 +101,7 @@ private:
                   "buffering sound");
     }
 
-    /// The last frame is filled up with silence: not all coders can do with less.
+    /// Fills up the last frame with silence, because some coders take only whole frames.
     Handle<AVFrame> Take(int samples, const AVCodecContext& encoder) {
         Handle<AVFrame> sound = Own(av_frame_alloc());
         sound->format = encoder.sample_fmt;
@@ -123,7 +124,7 @@ private:
     CoderLog& log;
     SoundConverter converter;
     Handle<AVAudioFifo> fifo;
-    /// Of the first sample in `fifo`, in units of the encoder.
+    /// Time of the first sample in `fifo`, in units of the encoder.
     std::int64_t position = AV_NOPTS_VALUE;
 };
 

@@ -77,7 +77,8 @@ TEST(ReportTest, AReportThatIsNoneIsRefusedWithTheReason) {
     EXPECT_THAT(change("/items/0/repro", 5), testing::HasSubstr("item 0: "));
     EXPECT_THAT(change("/items", Json::object()), testing::Ne("taken"));
     EXPECT_THAT(change("/runs/0/end", Json::object()), testing::Ne("taken"));
-    EXPECT_THAT(change("/items/0/file/size", "big"), testing::Ne("taken"));
+    EXPECT_THAT(change("/items/0/file/size", 1e25), testing::HasSubstr("item 0: 1e+25 isn't"));
+    EXPECT_THAT(change("/runs/1/end/status", -1), testing::HasSubstr("-1 isn't"));
 }
 
 TEST(CompareTest, TellsWorseFromBetter) {

@@ -5,6 +5,7 @@
 #include <boost/filesystem/string_file.hpp>
 #include <cstdlib>
 #include <map>
+#include <set>
 
 #include "collect/Installation.h"
 #include "core/support/Exception.h"
@@ -18,6 +19,7 @@ const ModuleKind* const EFFECT = &MODULE_KINDS[0];
 const ModuleKind* const FILTER = &MODULE_KINDS[1];
 const std::map<const ModuleKind*, const char*> FILE_OF_KIND{{EFFECT, FILE_f0r_get_plugin_info},
                                                             {FILTER, FILE_ladspa_descriptor},
+                                                            {&BUNDLED, FILE_lv2_lib_descriptor},
                                                             {nullptr, FILE_unknown_symbol}};
 
 class CollectTest : public testing::Test {
@@ -27,6 +29,17 @@ protected:
 
     void Put(const std::string& name, const ModuleKind* kind) {
         fs::copy_file(FILE_OF_KIND.at(kind), folder / name, fs::copy_options::overwrite_existing);
+    }
+    void PutBundle(const std::string& name, const std::string& manifest,
+                   const std::vector<std::string>& files = {}) {
+        fs::create_directory(folder / name);
+        fs::save_string_file(folder / name / "manifest.ttl",
+                             "@prefix l: <http://lv2plug.in/ns/lv2core#> .\n"
+                             "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n" +
+                                 manifest);
+        for (const std::string& file : files) {
+            Put((fs::path(name) / file).string(), &BUNDLED);
+        }
     }
     void PutDamaged(const std::string& name, std::size_t offset, char byte, std::size_t size) {
         std::string bytes;
@@ -92,6 +105,47 @@ TEST_F(CollectTest, AFolderOfOneKindClaimsWhatHasNoEntryPoint) {
     ASSERT_EQ(findings.modules.size(), 2U);
     EXPECT_EQ(findings.modules[0].kind, FILTER);
     EXPECT_EQ(findings.modules[1].kind, EFFECT);
+}
+
+TEST_F(CollectTest, OfABundleComesWhatItsManifestCallsAPluginsBinary) {
+    PutBundle("one.lv2",
+              "<urn:a> a l:Plugin ; l:binary <plug%20in.so> . <urn:b> l:binary <./plug%20in.so> ."
+              "<urn:c> a ui:X11UI ; l:binary <window.so> . <urn:d> ui:binary <old-window.so> .",
+              {"plug in.so", "window.so", "old-window.so", "unnamed.so"});
+    PutBundle("two", "<urn:a> l:binary <a.so> . <urn:b> l:binary <b.so> .", {"a.so", "b.so"});
+    PutBundle("specification.lv2", "<urn:a> a l:Specification .");
+    PutBundle("behind-link.lv2", "<urn:a> l:binary <a.so> .", {"a.so"});
+    fs::rename(folder / "behind-link.lv2", root / "linked.lv2");
+    fs::create_symlink("../linked.lv2", folder / "link.lv2");
+    PutBundle("gone.lv2", "<urn:a> l:binary <a.so> .");
+    PutBundle("elsewhere.lv2",
+              "<urn:a> l:binary <../two/a.so>, <own.so>, <http://host/a.so>, \"text.so\" .",
+              {"own.so"});
+    PutBundle("text.lv2", "<urn:a> l:binary <a.so> .\nThis isn't Turtle.\n", {"a.so"});
+    PutBundle("undefined.lv2", "<urn:a> lv2:binary <a.so> .", {"a.so"});
+    fs::create_directory(folder / "empty.lv2");
+
+    const Findings findings = Find();
+    std::set<std::string> names;
+    for (const FoundModule& module : findings.modules) {
+        EXPECT_EQ(module.kind, &BUNDLED);
+        names.insert(module.name);
+    }
+    EXPECT_EQ(names, (std::set<std::string>{"one", "two.a", "two.b", "link", "elsewhere.own"}));
+    std::multimap<std::string, std::string> reasons;
+    for (const LeftOut& leftOut : findings.leftOut) {
+        reasons.emplace(leftOut.path.lexically_relative(folder).string(), leftOut.reason);
+    }
+    const std::string elsewhere = "its manifest names a file outside the bundle: ";
+    const std::multimap<std::string, std::string> expected{
+        {"elsewhere.lv2", elsewhere + (folder / "two/a.so").string()},
+        {"elsewhere.lv2", elsewhere + "http://host/a.so"},
+        {"elsewhere.lv2", elsewhere + "text.so"},
+        {"empty.lv2", "the bundle has no manifest.ttl"},
+        {"gone.lv2/a.so", "No such file or directory"},
+        {"text.lv2", "its manifest.ttl isn't Turtle: line 4: bad verb"},
+        {"undefined.lv2", "its manifest.ttl isn't Turtle: undefined prefix of lv2:binary"}};
+    EXPECT_EQ(reasons, expected);
 }
 
 TEST_F(CollectTest, UpdatesOnlyWhatIsItsOwn) {

@@ -158,7 +158,7 @@ TEST(Framework, AbsurdStreamsAreRefused) {
         const char* text;
     } rows[] = {
         {"CODEC_ID_VP8", pictures,
-         "The encoder of CODEC_ID_VP8: can't encode 1920 by 1080 pixels of 1:1 at 0/1 frames a "
+         "The encoder of CODEC_ID_VP8: can't encode 1920x1080 pixels of aspect 1:1 at 0/1 frames a "
          "second"},
         {"CODEC_ID_OPUS", sound,
          "The encoder of CODEC_ID_OPUS: can't encode 0 channels at 44100 Hz"},

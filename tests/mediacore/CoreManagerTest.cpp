@@ -78,6 +78,9 @@ TEST_F(CoreManagerTest, SaysWhyNoParserOpensAFile) {
     EXPECT_THAT(OpeningFailure(),
                 MatchesRegex("No module can open some.file; .*int.*; not my format"));
     core.Uninitialize();
+    Start({"BadParser"});
+    EXPECT_EQ(OpeningFailure(), "No module can open some.file; not my format");
+    core.Uninitialize();
     EXPECT_EQ(OpeningFailure(), "No module can open some.file; none is started");
 }
 

@@ -159,9 +159,10 @@ TEST(FfmpegCodecs, FailureSaysWhatLibavLogged) {
     const Damage garble = [](int, std::vector<std::uint8_t>& packet) {
         std::fill(packet.begin(), packet.end(), std::uint8_t{0xA5});
     };
-    EXPECT_THAT(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), garble))),
-                testing::StartsWith("Decoder png: decoding: Invalid data found when processing "
-                                    "input; libav logged: Invalid PNG signature"));
+    EXPECT_THAT(
+        ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_PNG"), garble))),
+        testing::StartsWith("Decoder png: decoding failed: Invalid data found when processing "
+                            "input; libav logged: Invalid PNG signature"));
 }
 
 TEST(FfmpegCodecs, DecodesOnOverACutFrame) {
@@ -217,9 +218,9 @@ TEST(FfmpegCodecs, RefusesAbsurdFormats) {
         void (*spoil)(Proc::IFormatCodecVideo&);
         const char* text;
     } pictures[] = {
-        {[](auto& format) { format.InitByPixelAspect(1, 1, 1, 1); }, "1 by 1 pixels"},
-        {[](auto& format) { format.InitByPixelAspect(640, 100000, 1, 1); }, "640 by 100000"},
-        {[](auto& format) { format.InitByPixelAspect(640, 480, 0, 1); }, "of 0:1"},
+        {[](auto& format) { format.InitByPixelAspect(1, 1, 1, 1); }, "1x1 pixels"},
+        {[](auto& format) { format.InitByPixelAspect(640, 100000, 1, 1); }, "640x100000"},
+        {[](auto& format) { format.InitByPixelAspect(640, 480, 0, 1); }, "aspect 0:1"},
         {[](auto& format) { format.SetFrameRate(25, 0); }, "at 25/0"},
     };
     for (const auto& row : pictures) {
@@ -236,8 +237,7 @@ TEST(FfmpegCodecs, RefusesAbsurdFormats) {
     const Pointer<ForeignStream> coded(new ForeignStream(Encode("CODEC_ID_VP8")));
     boost::dynamic_pointer_cast<Proc::IFormatCodecVideo>(coded->GetCodecFormat())
         ->InitByPixelAspect(0, 480, 1, 1);
-    EXPECT_EQ(ThrownBy([&] { Decode(coded); }),
-              "Decoder vp8: can't decode pictures of 0 by 480 pixels");
+    EXPECT_EQ(ThrownBy([&] { Decode(coded); }), "Decoder vp8: can't decode 0x480 pixels");
 }
 
 TEST(NvdecCodecs, SaysWhyWithoutAGpu) {
@@ -246,7 +246,7 @@ TEST(NvdecCodecs, SaysWhyWithoutAGpu) {
         const auto packet = Encode("CODEC_ID_H264", ImplNames::NVDEC)->ReadNext();
         EXPECT_TRUE(packet);  // there is one
     } catch (const Exception& failure) {
-        EXPECT_THAT(failure.what(), HasSubstr("Encoder h264_nvenc: opening: "));
+        EXPECT_THAT(failure.what(), HasSubstr("Encoder h264_nvenc: opening failed: "));
         EXPECT_THAT(failure.what(), HasSubstr("libav logged: "));
     }
 }

@@ -104,14 +104,15 @@ TEST(Files, FailuresNameTheFileAndTheReason) {
     for (const auto& [name, reason] : reasons) {
         const std::string path = directory / name;
         EXPECT_THAT(FailureOf([&] { Core::ClientAPI::OpenSource(path); }),
-                    HasSubstr("File " + path + ": opening: " + reason));
+                    HasSubstr("File " + path + ": opening failed: " + reason));
     }
 
     const auto write = [](const std::string& path) {
         return FailureOf([&] { Proc::MuxerFactoryImpl::WriteFile(path, Encode("CODEC_ID_VP9")); });
     };
     EXPECT_THAT(write(directory / "vp9.nothing"), HasSubstr("choosing a container"));
-    EXPECT_THAT(write(directory / "no/such/directory.webm"), HasSubstr("creating: No such file"));
+    EXPECT_THAT(write(directory / "no/such/directory.webm"),
+                HasSubstr("creating failed: No such file"));
     EXPECT_THAT(write(directory / "vp9.flac"), HasSubstr("writing the header"));
 }
 

@@ -237,10 +237,10 @@ def test_mistakes_are_told_by_name(assay, app, installation, home):
 def test_a_report_that_cannot_be_written_leaves_the_old_one(assay, app, home):
     assay.run("plugins", *app, "--plugin", "good.1")
     state = home / ".local/state/assayer"
-    before = {path: path.read_bytes() for path in state.iterdir()}
+    before = {path: path.read_bytes() for path in state.rglob("*") if path.is_file()}
 
     def limit():
         resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
 
     assert "can't write" in assay.run("plugins", *app, "--plugin", "good.1", status=3, preexec_fn=limit)
-    assert {path: path.read_bytes() for path in state.iterdir()} == before
+    assert {path: path.read_bytes() for path in state.rglob("*") if path.is_file()} == before

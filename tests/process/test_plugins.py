@@ -29,6 +29,7 @@ FAILURES = {
     "throws-std": "std reason",
     "throws-tarnex": "tarnex reason",
     "throws-int": "int",
+    "throws-foreign": "threw",
     "refuses": "refused",
     "describes-nothing": "describes-nothing",
     "no-entry-point": "TarnexModuleVersion",
@@ -129,6 +130,7 @@ def test_nobody_at_the_other_end_of_standard_error(installation):
 
 
 def test_displays_that_are_gone_or_never_answer(installation):
+    installation.add("good.1")
     assert installation.run("plugins", "60", environment={"DISPLAY": ":77"}).code == 0
     with socket.create_server(("127.0.0.1", 0)) as server:
         display = f"127.0.0.1:{server.getsockname()[1] - 6000}"

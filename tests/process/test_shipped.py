@@ -59,9 +59,10 @@ def test_a_sample_of_another_codec_is_no_input(installation):
     installation.add_shipped("ParserFactory", "FfmpegParsers")
     samples = installation.directory / "resources" / "codecSamples"
     samples.mkdir(parents=True)
-    (samples / "CODEC_ID_MP3.h264").symlink_to(APP / "resources" / "codecSamples" / "CODEC_ID_H264.h264")
-    result = installation.run("codecs", "60", FFMPEG, ids(["MP3"]))
-    assert result.of("ERROR") == ["CODEC_ID_MP3 stream not found"], result
+    [sample] = (APP / "resources" / "codecSamples").glob("CODEC_ID_H264.*")
+    (samples / f"CODEC_ID_VP9{sample.suffix}").symlink_to(sample)
+    result = installation.run("codecs", "60", FFMPEG, ids(["VP9"]))
+    assert result.of("ERROR") == ["CODEC_ID_VP9 stream not found"], result
 
 
 def test_a_last_failed_test_is_left_out_in_its_implementation_alone(shipped):
@@ -111,18 +112,25 @@ def test_material_that_is_added(installation):
     samples = installation.directory / "resources" / "codecSamples"
     samples.mkdir(parents=True)
     good = {path.stem: path.read_bytes() for path in (APP / "resources" / "codecSamples").iterdir()}
-    (samples / "a CODEC_ID_VP8 of mine").write_bytes(good["CODEC_ID_VP8"])
+    (samples / "my CODEC_ID_ANSI.ans").write_text("Assayer")
     (samples / "CODEC_ID_VP9").write_bytes(good["CODEC_ID_VP9"][:-1000])
     (samples / "CODEC_ID_VP6F.flv").write_bytes(good["CODEC_ID_VP8"])
     (samples / "CODEC_ID_VC1.empty").touch()
     (samples / "CODEC_ID_COOK").mkdir()
     (samples / "CODEC_ID_WMV3.txt").write_text("no media")
-    result = installation.run("codecs", "60", FFMPEG, ids("VP8 VP9 VP6 VC1 COOK WMV3".split()), "-", "-", "-", "-", ",Encoder.X.Y")
+    result = installation.run("codecs", "60", FFMPEG, ids("ANSI VP9 VP6 VC1 COOK WMV3".split()), "-", "-", "-", "-", ",Encoder.X.Y")
     assert result.code == 8, result
     assert set(result.of("CODECS")) == named("Decoder", FFMPEG, "VP6 VC1 COOK WMV3".split())
     errors = result.of("ERROR")
     assert "CODEC_ID_VP6 stream not found" in errors and len(errors) == 4, result
     for name in ("CODEC_ID_VC1.empty", "CODEC_ID_COOK", "CODEC_ID_WMV3.txt"):
-        assert any(f"File {samples / name}: opening: " in error for error in errors), (name, errors)
+        reason = f"File {samples / name}: opening failed: "
+        assert any(reason in error for error in errors), (name, errors)
     for path in samples.iterdir():
         assert f"Using test file: {path.name}\n" in result.err, path
+
+
+def test_the_example_of_the_documentation_works(installation):
+    installation.add_fixture("RawCodec")
+    result = installation.run("all", "60", "EXAMPLE_IMPL", "CODEC_ID_RAW")
+    assert result.code == 0 and result.of("TEST_CODEC") == ["Encoder.EXAMPLE_IMPL.CODEC_ID_RAW"], result

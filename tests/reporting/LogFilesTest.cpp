@@ -10,7 +10,6 @@
 
 #include "core/support/Constants.h"
 #include "platform/Files.h"
-#include "platform/WideText.h"
 #include "reporting/Logging.h"
 #include "reporting/OldLogs.h"
 
@@ -23,7 +22,8 @@ protected:
     LogFiles() : root(testing::TempDir() + "log_files") {
         testing::FLAGS_gtest_death_test_style = "threadsafe";
         std::filesystem::remove_all(root);
-        std::filesystem::create_directories(root);
+        std::filesystem::create_directories(root / "Tarnex/Logs/Assayer");
+        std::ofstream(root / "Tarnex/Logs/Assayer/test_reporting.old") << "text";
         setenv("LOCALAPPDATA", root.c_str(), 1);
         setenv("USERNAME", "user", 1);
         unsetenv("TarnexLogPath");
@@ -61,11 +61,11 @@ using Names = std::set<std::string>;
 
 TEST_F(LogFiles, HaveTheirPlaceAndNames) {
     EXPECT_EXIT(Log("Assayer", 0), testing::ExitedWithCode(0), "line(.|\n)*after the end");
-    EXPECT_EQ(Stems("Assayer"), (Names{"test_reporting.user.ERROR", "test_reporting.user.INFO",
-                                       "test_reporting.user.WARNING"}));
+    EXPECT_EQ(Stems("Assayer"), (Names{"test_reporting.old", "test_reporting.user.ERROR",
+                                       "test_reporting.user.INFO", "test_reporting.user.WARNING"}));
     setenv("USERNAME", "a/b", 1);
     EXPECT_EXIT(Log("Assayer", 2, 0), testing::ExitedWithCode(0), "line");
-    EXPECT_EQ(Stems("Assayer"), Names{"test_reporting.a_b.ERROR"}) << "the others were old";
+    EXPECT_EQ(Stems("Assayer"), Names{"test_reporting.a_b.ERROR"});
     unsetenv("USERNAME");
     setenv("GLOG_PRODUCT_NAME", "fromVariable", 1);
     EXPECT_EXIT(Log("", 2), testing::ExitedWithCode(0), "line");
@@ -78,19 +78,19 @@ TEST_F(LogFiles, HaveTheirPlaceAndNames) {
 }
 
 TEST_F(LogFiles, OldOnesAreDeletedByTheirCreationTime) {
-    const std::wstring directory = Platform::Widen(root.native()) + Platform::PATH_SEPARATOR;
+    const std::string directory = root.native() + Platform::PATH_SEPARATOR;
     std::filesystem::create_directory(root / "App.directory");
     for (const char* name : {"Apple.INFO", "Other.App.", "App.user.INFO.1"}) {
         std::ofstream(root / name) << "text";
     }
-    const auto created = Platform::FindFiles(directory, L"App.user").at(0).created;
+    const auto created = Platform::FindFiles(directory, "App.user").at(0).created;
     // However long ago it was written to, creation counts.
     std::filesystem::last_write_time(
         root / "App.user.INFO.1",
         std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * 365));
-    DeleteOldLogs(directory, L"App", created);
+    DeleteOldLogs(directory, "App", created);
     EXPECT_TRUE(std::filesystem::exists(root / "App.user.INFO.1"));
-    DeleteOldLogs(directory, L"App", created + std::chrono::nanoseconds(1));
+    DeleteOldLogs(directory, "App", created + std::chrono::nanoseconds(1));
     EXPECT_FALSE(std::filesystem::exists(root / "App.user.INFO.1"));
     for (const char* name : {"Apple.INFO", "Other.App.", "App.directory"}) {
         EXPECT_TRUE(std::filesystem::exists(root / name)) << name;
