@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -19,7 +20,7 @@
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 using Parent::Item;
 
 constexpr unsigned int MEMORY_OF_JOB = 512 * 1024;  // kB
@@ -132,7 +133,7 @@ int Check(const Arguments& arguments) {
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     report.seconds = time.count();
     report.machine = DescribeMachine();
-    report.installation = installation.directory;
+    report.installation = installation.directory.string();
     report.options = DescribeOptions(arguments, options.jobs);
     report.environment = reporter.environment;
     const int status = ChooseStatus(report, stop.Take());

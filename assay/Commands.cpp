@@ -1,6 +1,7 @@
 #include "assay/Commands.h"
 
 #include <fmt/format.h>
+#include <boost/filesystem.hpp>
 
 #include <algorithm>
 #include <array>
@@ -17,7 +18,7 @@
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 using Parent::Item;
 
 struct Title {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <pwd.h>
 #include <unistd.h>
+#include <boost/filesystem.hpp>
 
 #include <cstdlib>
 
@@ -12,7 +13,7 @@
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 
 fs::path GetVariable(const char* name) {
     const char* value = std::getenv(name);

@@ -1,11 +1,12 @@
 #include "assay/Known.h"
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 using Parent::Item;
 
 bool IsUnchanged(const Json& before, Json now, Parent::ItemKind kind) {
@@ -22,7 +23,7 @@ void KeepLists(Item& item, const fs::path& lists) {
         const fs::path path = argument;
         if (path.parent_path().extension() == ".lists" && fs::is_regular_file(path)) {
             fs::create_directories(lists);
-            argument = lists / ("known-" + item.name + ".list");
+            argument = (lists / ("known-" + item.name + ".list")).string();
             fs::copy_file(path, argument, fs::copy_options::overwrite_existing);
         }
     }

@@ -3,6 +3,7 @@
 #include <fmt/chrono.h>
 #include <sys/stat.h>
 #include <sys/utsname.h>
+#include <boost/filesystem.hpp>
 
 #include <fstream>
 #include <thread>
@@ -10,7 +11,7 @@
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 
 constexpr std::array GPU_MODULES{"nvidia", "amdgpu", "radeon", "i915", "xe", "nouveau"};
 constexpr const char* DISPLAY_CLASS = "0x03";  // of PCI devices
@@ -30,7 +31,7 @@ std::string ReadValue(const fs::path& path, const std::string& key) {
 
 std::vector<std::string> ListGraphicsCards() {
     std::vector<std::string> cards;
-    std::error_code ignored;
+    boost::system::error_code ignored;
     for (const auto& device : fs::directory_iterator("/sys/bus/pci/devices", ignored)) {
         if (ReadValue(device.path() / "class", "").starts_with(DISPLAY_CLASS)) {
             cards.push_back(fmt::format("{} {}", ReadValue(device.path() / "uevent", "DRIVER="),
@@ -71,7 +72,7 @@ std::optional<Parent::FileFacts> ReadFileFacts(const fs::path& path) {
     if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    return Parent::FileFacts{path, static_cast<std::uint64_t>(status.st_size),
+    return Parent::FileFacts{path.string(), static_cast<std::uint64_t>(status.st_size),
                              ToIsoTime(status.st_mtim, true), ""};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <boost/filesystem/path.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +13,7 @@ namespace Tarnex::Assay {
 std::string ToIsoTime(const timespec& time, bool digits);
 
 /// All but the build id; none if there is no regular file at `path`.
-std::optional<Parent::FileFacts> ReadFileFacts(const std::filesystem::path& path);
+std::optional<Parent::FileFacts> ReadFileFacts(const boost::filesystem::path& path);
 
 /// What a person should know of this machine: system, kernel, processor, cores, graphics cards.
 Json DescribeMachine();

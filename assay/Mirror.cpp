@@ -1,6 +1,7 @@
 #include "assay/Mirror.h"
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 #include <fstream>
 #include <set>
 #include <string>
@@ -13,7 +14,7 @@
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 using Core::Utils::PluginLists;
 
 constexpr const char* SOURCE_FILE = ".copied-from";

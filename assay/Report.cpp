@@ -1,6 +1,7 @@
 #include "assay/Report.h"
 
 #include <fmt/format.h>
+#include <boost/filesystem.hpp>
 
 #include <cerrno>
 #include <cstring>
@@ -119,8 +120,8 @@ void RequireItems(const Json& items) {
     }
 }
 
-std::string ReadText(const std::filesystem::path& path) {
-    errno = std::filesystem::is_directory(path) ? EISDIR : 0;
+std::string ReadText(const boost::filesystem::path& path) {
+    errno = boost::filesystem::is_directory(path) ? EISDIR : 0;
     std::ifstream file(path, std::ios::binary);
     if (!file || errno == EISDIR) {
         throw Exception(std::strerror(errno));
@@ -177,7 +178,7 @@ Report ParseReport(const std::string& text) {
     }
 }
 
-Report ReadReport(const std::filesystem::path& path) {
+Report ReadReport(const boost::filesystem::path& path) {
     try {
         return ParseReport(ReadText(path));
     } catch (const Exception& error) {

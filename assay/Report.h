@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <boost/filesystem/path.hpp>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -43,6 +43,6 @@ std::string Render(const Json& json, int indent = -1);
 Report ParseReport(const std::string& text);
 
 /// The same for a file, which the exception names.
-Report ReadReport(const std::filesystem::path& path);
+Report ReadReport(const boost::filesystem::path& path);
 
 }  // namespace Tarnex::Assay

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <unistd.h>
+#include <boost/filesystem.hpp>
 
 #include <cerrno>
 #include <cstring>
@@ -12,14 +13,14 @@
 namespace Tarnex::Assay {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 
 [[noreturn]] void Fail(const fs::path& path, int error) {
     throw Exception(fmt::format("can't write {}: {}", path.string(), std::strerror(error)));
 }
 
 bool IsRegular(const fs::path& path) {
-    std::error_code ignored;
+    boost::system::error_code ignored;
     return !fs::exists(path, ignored) || fs::is_regular_file(path, ignored);
 }
 
@@ -34,7 +35,7 @@ bool WriteInto(const fs::path& file, std::string_view text) {
 }  // namespace
 
 void WriteFile(const fs::path& path, std::string_view text) {
-    std::error_code ignored;
+    boost::system::error_code ignored;
     const fs::path known = fs::canonical(path, ignored);
     const fs::path& target = known.empty() ? path : known;  // what a link leads to
     const fs::path fresh =
@@ -52,7 +53,7 @@ SavedReport::SavedReport(fs::path file)
     : path(fs::absolute(file).lexically_normal()),
       freshLists(path.string() + ".new.lists"),
       lists(path.string() + ".lists") {
-    std::error_code error;
+    boost::system::error_code error;
     fs::create_directories(path.parent_path(), error);
     if (error || access(path.parent_path().c_str(), W_OK) != 0) {
         Fail(path, error ? error.value() : errno);
@@ -64,7 +65,7 @@ SavedReport::SavedReport(fs::path file)
 }
 
 SavedReport::~SavedReport() {
-    std::error_code ignored;
+    boost::system::error_code ignored;
     fs::remove_all(freshLists, ignored);
 }
 

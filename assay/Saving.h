@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <boost/filesystem/path.hpp>
 #include <string_view>
 
 #include "assay/Report.h"
@@ -10,14 +10,14 @@ namespace Tarnex::Assay {
 /// Writes the file in one step: a reader sees the old text or the whole new one. What isn't a
 /// regular file, such as a pipe, is written into. Throws `Tarnex::Exception` with path and reason;
 /// what was there is then untouched.
-void WriteFile(const std::filesystem::path& path, std::string_view text);
+void WriteFile(const boost::filesystem::path& path, std::string_view text);
 
 /// A report's file, with the list files that its commands need in a folder beside it. Both are
 /// replaced together: until then new list files lie in a folder of their own.
 class SavedReport {
 public:
     /// Makes the folder. Throws `Tarnex::Exception` if the report plainly can't be written there.
-    explicit SavedReport(std::filesystem::path file);
+    explicit SavedReport(boost::filesystem::path file);
     ~SavedReport();
 
     SavedReport(const SavedReport&) = delete;
@@ -30,11 +30,11 @@ public:
     /// it was.
     void Save(Report& report) const;
 
-    const std::filesystem::path path;
-    const std::filesystem::path freshLists;  ///< where to put list files; isn't there yet
+    const boost::filesystem::path path;
+    const boost::filesystem::path freshLists;  ///< where to put list files; isn't there yet
 
 private:
-    const std::filesystem::path lists;
+    const boost::filesystem::path lists;
 };
 
 }  // namespace Tarnex::Assay

@@ -1,6 +1,7 @@
 #include "parent/Check.h"
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 
 #include "parent/Phases.h"
 
@@ -22,8 +23,8 @@ bool IsWanted(const Names& wanted, const std::string& name) {
 }
 
 CheckOptions Resolve(CheckOptions options) {
-    options.application = std::filesystem::absolute(options.application);
-    if (!std::filesystem::exists(options.application / PROGRAM)) {
+    options.application = boost::filesystem::absolute(options.application);
+    if (!boost::filesystem::exists(options.application / PROGRAM)) {
         throw Exception("There is no Assayer in " + options.application.native());
     }
     return options;

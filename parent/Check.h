@@ -1,7 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <filesystem>
+#include <boost/filesystem/path.hpp>
 #include <map>
 #include <optional>
 #include <string>
@@ -23,13 +23,13 @@ public:
 struct CheckOptions {
     bool plugins = false;
     bool codecs = false;
-    std::filesystem::path application;         ///< the installation directory
+    boost::filesystem::path application;         ///< the installation directory
     std::vector<std::string> pluginNames;      ///< empty: all
     std::vector<std::string> implementations;  ///< empty: all
     std::vector<std::string> codecIds;         ///< empty: all
     std::chrono::seconds itemTime{20};
     unsigned int jobs = 1;        ///< runs side by side, at least 1
-    std::filesystem::path lists;  ///< folder for the list files that `repro` commands need
+    boost::filesystem::path lists;  ///< folder for the list files that `repro` commands need
     int stop = -1;                ///< a descriptor; once it is readable the check ends early
 };
 
@@ -95,7 +95,7 @@ struct CheckResult {
 /// The plugins of an installation in the order of the check, `OglManager` first, each name once,
 /// with the resolved path of its file (`file.path` alone) or the verdict `Missing`. Throws
 /// `Tarnex::Exception` if plugins.list can't be read.
-std::vector<Item> ListPlugins(const std::filesystem::path& application);
+std::vector<Item> ListPlugins(const boost::filesystem::path& application);
 
 /// Checks an installation; see the options. `plugins` is what `ListPlugins` gave; an item that has
 /// a verdict other than `NotReached` (missing, or carried from an earlier report) isn't touched.

@@ -1,6 +1,7 @@
 #include "parent/Installation.h"
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 #include <set>
 
 #include "core/media/PluginFactories.h"
@@ -10,7 +11,7 @@
 namespace Tarnex::Parent {
 namespace {
 
-namespace fs = std::filesystem;
+namespace fs = boost::filesystem;
 
 fs::path ModulePath(const fs::path& application, const std::string& plugin) {
     return application / (plugin + ".so");
@@ -30,13 +31,13 @@ std::vector<PluginPlace> ReadPluginOrder(const fs::path& application) {
 }
 
 bool HasModule(const fs::path& application, const std::string& plugin) {
-    std::error_code ignored;
+    boost::system::error_code ignored;
     return fs::exists(ModulePath(application, plugin), ignored);
 }
 
 /// The whole path counts, as it does there.
 bool HasSample(const fs::path& application, const std::string& codecId) {
-    std::error_code ignored;
+    boost::system::error_code ignored;
     const fs::path folder = fs::canonical(application, ignored) / "resources" / "codecSamples";
     const fs::directory_iterator samples(folder, ignored);
     return std::any_of(begin(samples), end(samples), [&](const fs::directory_entry& entry) {
@@ -51,7 +52,7 @@ std::vector<Item> ListPlugins(const fs::path& application) {
         if (!known.insert(name).second) {
             continue;
         }
-        std::error_code error;
+        boost::system::error_code error;
         const fs::path file = fs::canonical(ModulePath(application, name), error);
         Item& item = items.emplace_back();
         item.name = name;

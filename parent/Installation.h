@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <boost/filesystem/path.hpp>
 #include <string>
 #include <vector>
 
@@ -17,11 +17,11 @@ struct PluginPlace {
 };
 
 /// What plugins.list gives. Throws `Tarnex::Exception`.
-std::vector<PluginPlace> ReadPluginOrder(const std::filesystem::path& application);
+std::vector<PluginPlace> ReadPluginOrder(const boost::filesystem::path& application);
 
-bool HasModule(const std::filesystem::path& application, const std::string& plugin);
+bool HasModule(const boost::filesystem::path& application, const std::string& plugin);
 
 /// Whether Assayer finds a sample file for the codec id.
-bool HasSample(const std::filesystem::path& application, const std::string& codecId);
+bool HasSample(const boost::filesystem::path& application, const std::string& codecId);
 
 }  // namespace Tarnex::Parent

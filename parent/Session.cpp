@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <boost/filesystem.hpp>
 
 #include <algorithm>
 #include <cstring>
@@ -213,9 +214,9 @@ std::string Session::WriteList(const std::string& name, const Names& plugins) co
     if (plugins.empty()) {
         return Core::Utils::EMPTY_VALUE;
     }
-    const std::string path = (std::filesystem::absolute(options.lists) / name).native();
-    std::error_code ignored;
-    std::filesystem::create_directories(options.lists, ignored);
+    const std::string path = (boost::filesystem::absolute(options.lists) / name).native();
+    boost::system::error_code ignored;
+    boost::filesystem::create_directories(options.lists, ignored);
     std::ofstream file(path, std::ios::binary);
     file << Core::Utils::ModuleOptionsToString({{"Plugins.Listed", plugins}},
                                                Core::Utils::FormatType::Plugins);
