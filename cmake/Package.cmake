@@ -2,8 +2,15 @@
 include(GNUInstallDirs)
 install(FILES doc/Assayer.1 doc/assay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 # The same layout as in the sources keeps the links between the documents valid.
-install(FILES README.md ARCHITECTURE.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
-install(FILES doc/protocol.md doc/report.md doc/parent.py DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer/doc)
+set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
+install(FILES README.md ARCHITECTURE.md CHANGELOG.md CONTRIBUTING.md packaging/copyright DESTINATION ${documents})
+install(FILES doc/protocol.md doc/report.md doc/modules.md doc/parent.py DESTINATION ${documents}/doc)
+# Debian's name and form of the changelog.
+find_program(GZIP gzip REQUIRED)
+set(changelog ${PROJECT_BINARY_DIR}/changelog.gz)
+execute_process(
+  COMMAND ${GZIP} -9nc ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${changelog} COMMAND_ERROR_IS_FATAL ANY)
+install(FILES ${changelog} DESTINATION ${documents})
 
 # The command is on the PATH; what it runs stays in the installation directory.
 set(link ${PROJECT_BINARY_DIR}/links/assay)
@@ -20,8 +27,10 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Loads plugin modules and tests codecs in its own process, names each one before it touches it, and
-tells its parent, by records and an exit code, which ones can be trusted.")
+"Finds out which plugin modules and codecs of this machine work, in processes of its own, so that a
+module that crashes or hangs harms nothing else. The command assay gives each one a verdict and writes
+a report; the program Assayer does one run and tells any parent, by records and an exit code, which
+ones can be trusted.")
 # No link shows these dependencies: graphics drivers, and elements of the optional media framework.
 # They are the packages that scripts/setup.sh installs to run the program from its sources.
 file(STRINGS scripts/packages.list recommends REGEX "^run ")

@@ -44,9 +44,9 @@ assay() { as_user HOME="$home" assay "$@"; }
 before="$(as_root find /usr/lib/assayer -printf '%p %s %T@ %l\n' | sort)"
 assay collect || fail "assay collect"
 assay all --codec CODEC_ID_AAC,CODEC_ID_H264 || [ $? -eq 1 ] || fail "assay all"
-as_root apt-get install -q -y --reinstall /tmp/assayer.deb
 [ "$before" = "$(as_root find /usr/lib/assayer -printf '%p %s %T@ %l\n' | sort)" ] ||
     fail "a file of the package was touched"
+as_root apt-get install -q -y --reinstall /tmp/assayer.deb
 assay plugins || [ $? -eq 1 ] || fail "assay plugins after an upgrade"
 
 rm "$root/tmp/assayer.deb"
