@@ -1,7 +1,7 @@
 #pragma once
 
-#include <chrono>
 #include <boost/filesystem/path.hpp>
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -23,14 +23,14 @@ public:
 struct CheckOptions {
     bool plugins = false;
     bool codecs = false;
-    boost::filesystem::path application;         ///< the installation directory
+    boost::filesystem::path application;       ///< the installation directory
     std::vector<std::string> pluginNames;      ///< empty: all
     std::vector<std::string> implementations;  ///< empty: all
     std::vector<std::string> codecIds;         ///< empty: all
     std::chrono::seconds itemTime{20};
-    unsigned int jobs = 1;        ///< runs side by side, at least 1
+    unsigned int jobs = 1;          ///< runs side by side, at least 1
     boost::filesystem::path lists;  ///< folder for the list files that `repro` commands need
-    int stop = -1;                ///< a descriptor; once it is readable the check ends early
+    int stop = -1;                  ///< a descriptor; once it is readable the check ends early
 };
 
 /// How a process ended.
