@@ -75,6 +75,7 @@ std::vector<Collect::SearchFolder> ChooseFolders(const std::vector<std::string>&
 
 std::vector<NamedReport> ReadAll(const std::vector<std::string>& paths) {
     std::vector<NamedReport> reports;
+    reports.reserve(paths.size());
     for (const std::string& path : paths) {
         reports.emplace_back(path, ReadReport(path));
     }

@@ -29,7 +29,7 @@ fs::path GetHome() {
 /// A relative path in such a variable is to be ignored.
 fs::path GetBase(const char* variable, const char* belowHome) {
     const fs::path value = GetVariable(variable);
-    const fs::path base = value.is_absolute() ? value : GetHome() / belowHome;
+    fs::path base = value.is_absolute() ? value : GetHome() / belowHome;
     if (!base.is_absolute()) {
         throw Exception("there is no home: set HOME, or name the folders by options");
     }

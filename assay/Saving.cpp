@@ -49,7 +49,7 @@ void WriteFile(const fs::path& path, std::string_view text) {
     }
 }
 
-SavedReport::SavedReport(fs::path file)
+SavedReport::SavedReport(const fs::path& file)
     : path(fs::absolute(file).lexically_normal()),
       freshLists(path.string() + ".new.lists"),
       lists(path.string() + ".lists") {

@@ -17,7 +17,7 @@ void WriteFile(const boost::filesystem::path& path, std::string_view text);
 class SavedReport {
 public:
     /// Makes the folder. Throws `Tarnex::Exception` if the report plainly can't be written there.
-    explicit SavedReport(boost::filesystem::path file);
+    explicit SavedReport(const boost::filesystem::path& file);
     ~SavedReport();
 
     SavedReport(const SavedReport&) = delete;

@@ -1,5 +1,8 @@
 #include "parent/Check.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <boost/filesystem.hpp>
 
@@ -12,8 +15,8 @@ namespace {
 void RequireKnown(const Names& names, const std::set<std::string>& known, const std::string& what) {
     for (const std::string& name : names) {
         if (!known.contains(name)) {
-            throw UnknownName("There is no " + what + " \"" + name +
-                              "\" here. There are: " + JoinOrNothing({known.begin(), known.end()}));
+            throw UnknownName(fmt::format("There is no {} \"{}\" here. There are: {}", what, name,
+                                          fmt::join(known, ",")));
         }
     }
 }
@@ -41,7 +44,7 @@ std::vector<Item> ChooseCodecs(const CheckOptions& options, const Listing& listi
             for (const std::string& codec : codecs) {
                 if (IsWanted(options.implementations, implementation) &&
                     IsWanted(options.codecIds, codec)) {
-                    const std::string name = coder + "." + implementation + "." + codec;
+                    const std::string name = fmt::format("{}.{}.{}", coder, implementation, codec);
                     Item& item = items[name];
                     item.kind = ItemKind::Codec;
                     item.name = name;
@@ -55,6 +58,7 @@ std::vector<Item> ChooseCodecs(const CheckOptions& options, const Listing& listi
     RequireKnown(options.implementations, implementations, "implementation");
     RequireKnown(options.codecIds, ids, "codec");
     std::vector<Item> chosen;
+    chosen.reserve(items.size());
     for (auto& [name, item] : items) {
         chosen.push_back(std::move(item));
     }

@@ -214,7 +214,7 @@ std::string Session::WriteList(const std::string& name, const Names& plugins) co
     if (plugins.empty()) {
         return Core::Utils::EMPTY_VALUE;
     }
-    const std::string path = (boost::filesystem::absolute(options.lists) / name).native();
+    std::string path = (boost::filesystem::absolute(options.lists) / name).native();
     boost::system::error_code ignored;
     boost::filesystem::create_directories(options.lists, ignored);
     std::ofstream file(path, std::ios::binary);

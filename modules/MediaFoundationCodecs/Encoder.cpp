@@ -17,7 +17,7 @@ namespace Tarnex::MediaFoundation {
 
 namespace {
 
-std::string ElementsOf(const Codec& codec, Modules::EncoderOptions options) {
+std::string ElementsOf(const Codec& codec, const Modules::EncoderOptions& options) {
     const char* const convert = codec.kind == Proc::MediaKind::Video
                                     ? "videoconvert ! "
                                     : "audioconvert ! audioresample ! ";
@@ -78,7 +78,7 @@ public:
           codec(codec),
           title(std::string("The encoder of ") + codec.id),
           source(std::move(newSource)),
-          options(options),
+          options(std::move(options)),
           format(Format::Create()) {
         format->SetCodecID(codec.id);
         const auto given = source->GetFormatCodec();
@@ -138,13 +138,15 @@ private:
 Proc::Pointer<Proc::ICodedStream> NewVideoEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamVideo>& stream,
                                                   Modules::EncoderOptions options) {
-    return new Encoder<Proc::IStreamVideo, Proc::IFormatCodecVideo>(codec, stream, options);
+    return new Encoder<Proc::IStreamVideo, Proc::IFormatCodecVideo>(codec, stream,
+                                                                    std::move(options));
 }
 
 Proc::Pointer<Proc::ICodedStream> NewAudioEncoder(const Codec& codec,
                                                   const Proc::Pointer<Proc::IStreamAudio>& stream,
                                                   Modules::EncoderOptions options) {
-    return new Encoder<Proc::IStreamAudio, Proc::IFormatCodecAudio>(codec, stream, options);
+    return new Encoder<Proc::IStreamAudio, Proc::IFormatCodecAudio>(codec, stream,
+                                                                    std::move(options));
 }
 
 }  // namespace Tarnex::MediaFoundation
