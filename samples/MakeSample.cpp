@@ -62,7 +62,7 @@ protected:
         for (const Proc::Plane& plane : frame->GetPlanes()) {
             Overlay(plane, number);
         }
-        frame->SetFrameTime(number * FRAME_LENGTH);
+        frame->SetFrameTime(std::int64_t{number} * FRAME_LENGTH);
         return frame;
     }
 

@@ -168,7 +168,8 @@ TEST(FfmpegCodecs, FailureIncludesLibavsLog) {
 TEST(FfmpegCodecs, SkipsATruncatedFrame) {
     const Damage cutFirst = [](int number, std::vector<std::uint8_t>& packet) {
         if (number == 0) {
-            packet.erase(packet.begin(), packet.begin() + packet.size() / 2);
+            packet.erase(packet.begin(),
+                         packet.begin() + static_cast<std::ptrdiff_t>(packet.size() / 2));
         }
     };
     EXPECT_EQ(ReadFrame(Decode(new ForeignStream(Encode("CODEC_ID_AC3"), cutFirst))), "");

@@ -95,7 +95,7 @@ TEST(Samples, ATruncatedFileIsDecodedToItsEnd) {
 TEST(Files, FailuresNameTheFileAndTheReason) {
     const std::filesystem::path directory = testing::TempDir();
     std::ofstream(directory / "some.txt") << "no media\n";
-    std::ofstream(directory / "empty");
+    std::ofstream(directory / "empty") << "";
     std::filesystem::create_directory(directory / "folder");
     const std::pair<const char*, const char*> reasons[] = {{"some.txt", "Invalid data"},
                                                            {"empty", "Invalid data"},

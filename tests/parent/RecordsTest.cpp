@@ -40,7 +40,7 @@ TEST(Records, AreFoundWhereverThePiecesEnd) {
         {noise + "] [PLUGINS]amp[/PLUGINS]", "PLUGINS=amp;"},
     };
     for (const auto& [text, found] : rows) {
-        for (const std::size_t size : {1, 2, 3, 7, 4096, 1000000}) {
+        for (const std::size_t size : {1U, 2U, 3U, 7U, 4096U, 1000000U}) {
             EXPECT_EQ(Read(text, size), found) << text.substr(0, 80) << " by " << size;
         }
     }

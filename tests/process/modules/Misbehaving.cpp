@@ -102,7 +102,9 @@ bool Initialize(Description& description) {
         {"crashes-if-spoiled", [] { getenv(SPOILED) ? Faults::WriteToNowhere() : void(); }},
         {"fails-if-spoiled",
          [] {
-             if (getenv(SPOILED)) throw std::runtime_error("spoiled");
+             if (getenv(SPOILED)) {
+                 throw std::runtime_error("spoiled");
+             }
          }},
         {"tells-log-path", [] { std::printf("TarnexLogPath=%s\n", std::getenv("TarnexLogPath")); }},
     };
