@@ -5,7 +5,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <filesystem>
-#include <regex>
 #include <set>
 
 #include "modules/libav/Handles.h"
@@ -105,6 +104,18 @@ Material Inspect(const std::filesystem::path& sample) {
     return material;
 }
 
+/// The trace has a line for each field: its name, blanks, its bits, "=", its value.
+bool IsOn(const std::string& trace, const std::string& field) {
+    for (auto at = trace.find(field); at != trace.npos; at = trace.find(field, at + 1)) {
+        const auto bits = trace.find_first_not_of(' ', at + field.size());
+        if (bits != trace.npos && bits > at + field.size() &&
+            trace.substr(bits).starts_with("1 = 1")) {
+            return true;
+        }
+    }
+    return false;
+}
+
 TEST(Material, IsLikeRealFiles) {
     const struct {
         const char* name;
@@ -127,7 +138,7 @@ TEST(Material, IsLikeRealFiles) {
         EXPECT_EQ(material.profile, row.profile) << row.name;
         EXPECT_GE(material.framesOfB, row.framesOfB) << row.name;
         for (const std::string& tool : row.tools) {
-            EXPECT_TRUE(std::regex_search(material.trace, std::regex(tool + " +1 = 1"))) << tool;
+            EXPECT_TRUE(IsOn(material.trace, tool)) << tool;
         }
     }
     const std::int64_t rate = Inspect(std::filesystem::path(SAMPLES) / "CODEC_ID_AAC.m4a").bitRate;
