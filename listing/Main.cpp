@@ -1,11 +1,12 @@
-// Starts the media core as Assayer does and writes what its modules offer as one JSON object:
+// assayer-list: starts the media core as Assayer does and writes what its modules offer as one JSON
+// object:
 //
-//     {"codecs": {IMPLEMENTATION: {"Decoder": [id, ...], "Encoder": [id, ...]}}, "files": [path,
-//     ...]}
+//     {"codecs": {IMPLEMENTATION: {"Decoder": [id, ...], "Encoder": [id, ...]}},
+//      "files": [path, ...]}
 //
 // `files` is what the process then has mapped. Usage: assayer-list [--without NAME,...]. Exit
-// status: 0; 3 for another command line; 4 if the core or a module can't, with the text as a
-// record.
+// status: 0; 2 for another command line; 1 if the core or a module can't, with the text as the last
+// line on standard error, after the program's name.
 
 #include <unistd.h>
 
