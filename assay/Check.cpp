@@ -1,21 +1,20 @@
 #include "parent/Check.h"
 
-#include <sys/signalfd.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <boost/filesystem.hpp>
 #include <chrono>
-#include <csignal>
-#include <fstream>
+#include <ctime>
 #include <thread>
 
 #include "assay/Commands.h"
+#include "assay/Environment.h"
 #include "assay/Installations.h"
-#include "assay/Machine.h"
 #include "assay/Reporter.h"
 #include "assay/Saving.h"
+#include "assay/Summary.h"
 #include "collect/ModuleFile.h"
+#include "platform/Machine.h"
+#include "platform/Signals.h"
 
 namespace Tarnex::Assay {
 namespace {
@@ -25,47 +24,10 @@ using Parent::Item;
 
 constexpr unsigned int MEMORY_OF_JOB = 512 * 1024;  // kB
 
-/// Turns SIGINT and SIGTERM into something to read, from here to the end of the process.
-class StopSignals {
-public:
-    StopSignals() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGTERM);
-        sigprocmask(SIG_BLOCK, &signals, nullptr);
-        descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    }
-    ~StopSignals() { close(descriptor); }
-
-    StopSignals(const StopSignals&) = delete;
-    StopSignals& operator=(const StopSignals&) = delete;
-
-    /// The signal that came; none: 0.
-    int Take() const {
-        signalfd_siginfo info{};
-        const bool came = read(descriptor, &info, sizeof info) == sizeof info;
-        return came ? static_cast<int>(info.ssi_signo) : 0;
-    }
-
-    int descriptor;
-};
-
-/// In kB; more than any machine has if the kernel doesn't say.
-std::uint64_t GetAvailableMemory() {
-    std::ifstream file("/proc/meminfo");
-    std::string key;
-    for (std::uint64_t value = 0; file >> key >> value; file.ignore(100, '\n')) {
-        if (key == "MemAvailable:") {
-            return value;
-        }
-    }
-    return UINT64_MAX;
-}
-
 unsigned int ChooseJobs(unsigned int wanted) {
     const std::uint64_t cores = std::max(1U, std::thread::hardware_concurrency());
-    const auto best = std::clamp<std::uint64_t>(GetAvailableMemory() / MEMORY_OF_JOB, 1, cores);
+    const auto best =
+        std::clamp<std::uint64_t>(Platform::GetAvailableMemory() / MEMORY_OF_JOB, 1, cores);
     return wanted > 0 ? wanted : static_cast<unsigned int>(best);
 }
 
@@ -106,13 +68,13 @@ std::string GetTime() {
 }  // namespace
 
 int Check(const Arguments& arguments) {
-    Terminal terminal(arguments.events ? stderr : stdout, arguments.quiet);
+    Platform::Terminal terminal(arguments.events ? stderr : stdout, arguments.quiet);
     const SavedReport saved(arguments.report.empty() ? GetStateFolder() / "report.json"
                                                      : fs::path(arguments.report));
     Reporter reporter(arguments, terminal, saved);
     const Chosen installation = ChooseInstallation(arguments.app);
     terminal.Line("checking " + installation.directory.string() + " (" + installation.reason + ")");
-    const StopSignals stop;
+    const Platform::StopSignals stop;
     const Parent::CheckOptions options{.plugins = arguments.check != "codecs",
                                        .codecs = arguments.check != "plugins",
                                        .application = installation.directory,
@@ -138,7 +100,7 @@ int Check(const Arguments& arguments) {
     report.environment = reporter.environment;
     const int status = ChooseStatus(report, stop.Take());
     saved.Save(report);
-    terminal.Summary(report);
+    PrintSummary(terminal, report);
     terminal.Line("report: " + saved.path.string());
     reporter.Close(report, status);
     return status;

@@ -6,9 +6,9 @@
 #include <iostream>
 
 #include "assay/Commands.h"
-#include "assay/Text.h"
 #include "parent/Check.h"
 #include "platform/Signals.h"
+#include "platform/TerminalText.h"
 
 namespace Tarnex::Assay {
 namespace {
@@ -119,7 +119,7 @@ private:
 };
 
 int Fail(const std::exception& error, int status) {
-    std::cerr << "assay: " << MakePrintable(error.what()) << std::endl;
+    std::cerr << "assay: " << Platform::MakePrintable(error.what()) << std::endl;
     return status;
 }
 

@@ -10,16 +10,18 @@
 #include "assay/Compare.h"
 #include "assay/Installations.h"
 #include "assay/Renderers.h"
-#include "assay/Saving.h"
-#include "assay/Terminal.h"
+#include "assay/Summary.h"
 #include "collect/Installation.h"
 #include "core/support/Exception.h"
+#include "platform/Files.h"
 
 namespace Tarnex::Assay {
 namespace {
 
 namespace fs = boost::filesystem;
 using Parent::Item;
+using Platform::Colour;
+using Platform::Terminal;
 
 struct Title {
     Trend trend;
@@ -134,15 +136,15 @@ int Collect(const Arguments& arguments) {
 int ShowReports(const Arguments& arguments) {
     const auto reports = ReadAll(arguments.reports);
     if (!arguments.html.empty()) {
-        WriteFile(arguments.html, RenderHtml(reports));
+        Platform::ReplaceFile(arguments.html, RenderHtml(reports));
     }
     if (!arguments.junit.empty()) {
-        WriteFile(arguments.junit, RenderJunit(reports));
+        Platform::ReplaceFile(arguments.junit, RenderJunit(reports));
     }
     Terminal terminal(stdout, !arguments.html.empty() || !arguments.junit.empty());
     for (const NamedReport& report : reports) {
         PrintHead(terminal, report);
-        terminal.Summary(report.second);
+        PrintSummary(terminal, report.second);
     }
     return STATUS_GOOD;
 }

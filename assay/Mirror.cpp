@@ -6,9 +6,9 @@
 #include <set>
 #include <string>
 
-#include "assay/Saving.h"
 #include "core/media/PluginFactories.h"
 #include "core/support/Exception.h"
+#include "platform/Files.h"
 #include "support/PluginList.h"
 
 namespace Tarnex::Assay {
@@ -58,7 +58,7 @@ private:
         }
         sources = {source, before.value_or(source)};
         if (before != source) {
-            WriteFile(directory / SOURCE_FILE, source.string() + "\n");
+            Platform::ReplaceFile((directory / SOURCE_FILE).native(), source.string() + "\n");
             changed = true;
         }
     }

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "assay/Page.h"
-#include "assay/Text.h"
+#include "platform/TerminalText.h"
 
 namespace Tarnex::Assay {
 namespace {
@@ -56,7 +56,7 @@ void AddCase(pugi::xml_node suite, const Item& item) {
     Set(outcome, "message", fmt::format("{}: {}", ToString(item.verdict), item.reason));
     if (IsBad(item.verdict)) {
         Set(outcome, "type", ToString(item.verdict));
-        outcome.text() = ToXml(item.text + "\n" + QuoteForShell(item.repro)).c_str();
+        outcome.text() = ToXml(item.text + "\n" + Platform::QuoteForShell(item.repro)).c_str();
     }
 }
 

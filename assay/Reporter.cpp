@@ -5,13 +5,15 @@
 #include <iostream>
 #include <utility>
 
+#include "assay/Environment.h"
 #include "assay/Known.h"
-#include "assay/Machine.h"
+#include "assay/Summary.h"
 #include "core/support/Exception.h"
 
 namespace Tarnex::Assay {
 
-Reporter::Reporter(const Arguments& arguments, Terminal& terminal, const SavedReport& saved)
+Reporter::Reporter(const Arguments& arguments, Platform::Terminal& terminal,
+                   const SavedReport& saved)
     : environment(DescribeEnvironment()), arguments(arguments), terminal(terminal), saved(saved) {
     if (!arguments.log.empty()) {
         log.open(arguments.log, std::ios::binary);
@@ -31,7 +33,7 @@ void Reporter::SpareKnown(std::vector<Parent::Item>& items) const {
 }
 
 void Reporter::OnVerdict(const Parent::Item& item) {
-    terminal.Item(item);
+    PrintItem(terminal, item);
     if (IsBad(item.verdict)) {
         ++bad[std::string(ToString(item.verdict))];
     }

@@ -7,8 +7,8 @@
 
 #include "assay/Commands.h"
 #include "assay/Saving.h"
-#include "assay/Terminal.h"
 #include "parent/Check.h"
+#include "platform/Terminal.h"
 
 namespace Tarnex::Assay {
 
@@ -16,7 +16,7 @@ namespace Tarnex::Assay {
 class Reporter : public Parent::CheckListener {
 public:
     /// Throws `Tarnex::Exception` if the log can't be written or the earlier report not be read.
-    Reporter(const Arguments& arguments, Terminal& terminal, const SavedReport& saved);
+    Reporter(const Arguments& arguments, Platform::Terminal& terminal, const SavedReport& saved);
 
     /// Gives items that ended a run in the earlier report the verdict of then, if all is as it was.
     void SpareKnown(std::vector<Parent::Item>& items) const;
@@ -36,7 +36,7 @@ private:
     void WriteEvent(const Json& event) const;
 
     const Arguments& arguments;
-    Terminal& terminal;
+    Platform::Terminal& terminal;
     const SavedReport& saved;
     std::optional<Report> known;
     std::ofstream log;

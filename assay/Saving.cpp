@@ -1,14 +1,12 @@
 #include "assay/Saving.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
 #include <boost/filesystem.hpp>
 
 #include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <system_error>
 
-#include "core/support/Exception.h"
+#include "platform/Files.h"
 
 namespace Tarnex::Assay {
 namespace {
@@ -16,38 +14,10 @@ namespace {
 namespace fs = boost::filesystem;
 
 [[noreturn]] void Fail(const fs::path& path, int error) {
-    throw Exception(fmt::format("can't write {}: {}", path.string(), std::strerror(error)));
-}
-
-bool IsRegular(const fs::path& path) {
-    boost::system::error_code ignored;
-    return !fs::exists(path, ignored) || fs::is_regular_file(path, ignored);
-}
-
-bool WriteInto(const fs::path& file, std::string_view text) {
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    return !stream.fail();
+    throw std::system_error(error, std::generic_category(), "can't write " + path.string());
 }
 
 }  // namespace
-
-void WriteFile(const fs::path& path, std::string_view text) {
-    boost::system::error_code ignored;
-    const fs::path known = fs::canonical(path, ignored);
-    const fs::path& target = known.empty() ? path : known;  // what a link leads to
-    const fs::path fresh =
-        IsRegular(target) ? fs::path(fmt::format("{}.{}", target.string(), getpid())) : target;
-    if (!WriteInto(fresh, text) || rename(fresh.c_str(), target.c_str()) != 0) {
-        const int error = errno;
-        if (fresh != target) {
-            fs::remove(fresh, ignored);
-        }
-        Fail(path, error);
-    }
-}
 
 SavedReport::SavedReport(const fs::path& file)
     : path(fs::absolute(file).lexically_normal()),
@@ -58,7 +28,7 @@ SavedReport::SavedReport(const fs::path& file)
     if (error || access(path.parent_path().c_str(), W_OK) != 0) {
         Fail(path, error ? error.value() : errno);
     }
-    if (!IsRegular(path)) {
+    if (!Platform::IsReplaceable(path.native())) {
         Fail(path, EINVAL);
     }
     fs::remove_all(freshLists);
@@ -84,7 +54,7 @@ void SavedReport::Save(Report& report) const {
     for (Parent::Item& item : report.items) {
         Finish(item.repro);
     }
-    WriteFile(path, Render(ToJson(report), 1) + "\n");
+    Platform::ReplaceFile(path.native(), Render(ToJson(report), 1) + "\n");
     fs::remove_all(lists);
     if (fs::exists(freshLists)) {
         fs::rename(freshLists, lists);

@@ -1,22 +1,16 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
-#include <string_view>
 
 #include "assay/Report.h"
 
 namespace Tarnex::Assay {
 
-/// Writes the file in one step: a reader sees the old text or the whole new one. What isn't a
-/// regular file, such as a pipe, is written into. Throws `Tarnex::Exception` with path and reason;
-/// what was there is then untouched.
-void WriteFile(const boost::filesystem::path& path, std::string_view text);
-
 /// A report's file, with the list files that its commands need in a folder beside it. Both are
 /// replaced together: until then new list files lie in a folder of their own.
 class SavedReport {
 public:
-    /// Makes the folder. Throws `Tarnex::Exception` if the report plainly can't be written there.
+    /// Makes the folder. Throws `std::system_error` if the report plainly can't be written there.
     explicit SavedReport(const boost::filesystem::path& file);
     ~SavedReport();
 
@@ -26,7 +20,7 @@ public:
     /// Turns paths of fresh list files into those that they will have.
     void Finish(std::vector<std::string>& arguments) const;
 
-    /// Finishes the report and writes it. Throws `Tarnex::Exception`; then the earlier report is as
+    /// Finishes the report and writes it. Throws `std::system_error`; then the earlier report is as
     /// it was.
     void Save(Report& report) const;
 

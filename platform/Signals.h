@@ -6,4 +6,19 @@ namespace Tarnex::Platform {
 /// of ending the process. Affects the whole process.
 void IgnoreWriteSignals();
 
+/// Turns SIGINT and SIGTERM into something to read, from here to the end of the process.
+class StopSignals {
+public:
+    StopSignals();
+    ~StopSignals();
+
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+    /// The signal that came; 0 if none did.
+    int Take() const;
+
+    int descriptor;  ///< readable once a signal came
+};
+
 }  // namespace Tarnex::Platform

@@ -5,7 +5,6 @@
 #include "assay/Compare.h"
 #include "assay/Renderers.h"
 #include "assay/Report.h"
-#include "assay/Text.h"
 #include "core/support/Exception.h"
 
 namespace Tarnex::Assay {
@@ -157,12 +156,6 @@ TEST(RenderersTest, TextsOfModulesStayTexts) {
     EXPECT_EQ(suite.attribute("failures").as_int(), 1);
     EXPECT_EQ(suite.attribute("errors").as_int() + suite.attribute("skipped").as_int(), 0);
     EXPECT_TRUE(suite.last_child().child("failure"));
-}
-
-TEST(TextTest, FitsShellAndTerminal) {
-    EXPECT_EQ(QuoteForShell({"a/b", "", "it's", "a b"}), R"(a/b '' 'it'\''s' 'a b')");
-    EXPECT_EQ(MakePrintable("a\x1b[31m\xff\n\xE2\x80\xAEz"), "a\uFFFD[31m\uFFFD \uFFFDz");
-    EXPECT_EQ(MakePrintable("äöüß", 3), "äö…");
 }
 
 }  // namespace

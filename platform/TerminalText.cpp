@@ -1,4 +1,4 @@
-#include "assay/Text.h"
+#include "platform/TerminalText.h"
 
 #include <fmt/format.h>
 
@@ -7,7 +7,7 @@
 
 #include "platform/WideText.h"
 
-namespace Tarnex::Assay {
+namespace Tarnex::Platform {
 namespace {
 
 wchar_t ToPrintable(wchar_t c) {
@@ -27,13 +27,13 @@ bool IsPlain(unsigned char c) {
 }  // namespace
 
 std::string MakePrintable(std::string_view text, std::size_t columns) {
-    std::wstring wide = Platform::Widen(text);
+    std::wstring wide = Widen(text);
     std::ranges::transform(wide, wide.begin(), ToPrintable);
     if (wide.size() > columns) {
         wide.resize(columns);
         wide.back() = L'…';
     }
-    return Platform::Narrow(wide);
+    return Narrow(wide);
 }
 
 std::string QuoteForShell(const std::vector<std::string>& arguments) {
@@ -46,4 +46,4 @@ std::string QuoteForShell(const std::vector<std::string>& arguments) {
     return line;
 }
 
-}  // namespace Tarnex::Assay
+}  // namespace Tarnex::Platform

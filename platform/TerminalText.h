@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Tarnex::Assay {
+namespace Tarnex::Platform {
 
 /// The text on one line, fit for a terminal, in at most `columns` characters (what is cut ends in
 /// "…"): what would steer the terminal, turns the direction of writing or isn't UTF-8 becomes
@@ -14,4 +14,4 @@ std::string MakePrintable(std::string_view text, std::size_t columns = std::stri
 /// A command line that a POSIX shell reads as these arguments.
 std::string QuoteForShell(const std::vector<std::string>& arguments);
 
-}  // namespace Tarnex::Assay
+}  // namespace Tarnex::Platform

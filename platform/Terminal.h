@@ -5,9 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "assay/Report.h"
-
-namespace Tarnex::Assay {
+namespace Tarnex::Platform {
 
 enum class Colour { None, Red = 31, Green = 32, Yellow = 33 };
 
@@ -15,8 +13,6 @@ enum class Colour { None, Red = 31, Green = 32, Yellow = 33 };
 /// alone. Texts are made printable here.
 class Terminal {
 public:
-    static constexpr std::size_t LONGEST_LINE = 300;
-
     /// `quiet`: writes nothing. Heeds NO_COLOR and TERM.
     Terminal(std::FILE* stream, bool quiet);
     ~Terminal() { ClearStatus(); }
@@ -30,23 +26,19 @@ public:
     /// Rewrites the last line, cut at the terminal's width.
     void Status(std::string_view text);
 
-    /// A line for the item if it is bad, with reason and company, in at most `columns` characters.
-    void Item(const Parent::Item& item, std::size_t columns = LONGEST_LINE);
+    /// In characters; the usual size if the system tells none.
+    winsize GetSize() const;
 
-    /// Counts, as many bad items as fit a screen with the command that shows each again, and what
-    /// hindered the check.
-    void Summary(const Report& report);
+    /// Whether the last line can be rewritten.
+    const bool interactive;
 
 private:
     void ClearStatus();
-    void BadItems(const Report& report);
-    winsize GetSize() const;
 
     std::FILE* stream;
     bool quiet;
-    bool interactive;
     bool coloured;
     bool hasStatus = false;
 };
 
-}  // namespace Tarnex::Assay
+}  // namespace Tarnex::Platform
