@@ -8,11 +8,12 @@
 
 #include "assay/Commands.h"
 #include "assay/Environment.h"
-#include "assay/Installations.h"
 #include "assay/Reporter.h"
 #include "assay/Saving.h"
 #include "assay/Summary.h"
 #include "collect/ModuleFile.h"
+#include "collect/OwnInstallation.h"
+#include "platform/Environment.h"
 #include "platform/Machine.h"
 #include "platform/Signals.h"
 
@@ -69,10 +70,11 @@ std::string GetTime() {
 
 int Check(const Arguments& arguments) {
     Platform::Terminal terminal(arguments.events ? stderr : stdout, arguments.quiet);
-    const SavedReport saved(arguments.report.empty() ? GetStateFolder() / "report.json"
-                                                     : fs::path(arguments.report));
+    const SavedReport saved(arguments.report.empty()
+                                ? fs::path(Platform::GetUserStateFolder()) / "assayer/report.json"
+                                : fs::path(arguments.report));
     Reporter reporter(arguments, terminal, saved);
-    const Chosen installation = ChooseInstallation(arguments.app);
+    const Collect::Chosen installation = Collect::ChooseInstallation(arguments.app);
     terminal.Line("checking " + installation.directory.string() + " (" + installation.reason + ")");
     const Platform::StopSignals stop;
     const Parent::CheckOptions options{.plugins = arguments.check != "codecs",

@@ -8,10 +8,10 @@
 #include <iostream>
 
 #include "assay/Compare.h"
-#include "assay/Installations.h"
 #include "assay/Renderers.h"
 #include "assay/Summary.h"
 #include "collect/Installation.h"
+#include "collect/OwnInstallation.h"
 #include "core/support/Exception.h"
 #include "platform/Files.h"
 
@@ -96,7 +96,7 @@ void PrintHead(Terminal& terminal, const NamedReport& named) {
 int List(const Arguments& arguments) {
     Parent::CheckOptions options;
     options.codecs = true;
-    options.application = ChooseInstallation(arguments.app).directory;
+    options.application = Collect::ChooseInstallation(arguments.app).directory;
     options.itemTime = std::chrono::seconds(arguments.itemTime);
     const std::vector<Item> plugins = Parent::ListPlugins(options.application);
     PrintGroups(plugins);
@@ -112,8 +112,8 @@ int List(const Arguments& arguments) {
 int Collect(const Arguments& arguments) {
     const auto folders = ChooseFolders(arguments.folders);
     const fs::path directory =
-        arguments.into.empty() ? GetOwnInstallation() : fs::absolute(arguments.into);
-    const bool copied = MakeInstallation(directory);
+        arguments.into.empty() ? Collect::GetOwnInstallation() : fs::absolute(arguments.into);
+    const bool copied = Collect::MakeInstallation(directory);
     const auto findings = Collect::FindModules(folders, directory.string());
     const auto changes = Collect::UpdateInstallation(directory.string(), findings.modules);
     for (const Collect::LeftOut& leftOut : findings.leftOut) {

@@ -1,19 +1,15 @@
 #include "collect/ModuleKinds.h"
 
 #include <boost/filesystem/operations.hpp>
-#include <cstdlib>
 #include <sstream>
 #include <string>
+
+#include "platform/Environment.h"
 
 namespace Tarnex::Collect {
 namespace {
 
 namespace fs = boost::filesystem;
-
-std::string GetVariable(std::string_view name) {
-    const char* value = std::getenv(std::string(name).c_str());
-    return value == nullptr ? "" : value;
-}
 
 std::vector<fs::path> GetLibraryFolders() {
     std::vector<fs::path> folders{"/usr/local/lib", "/usr/lib", "/usr/local/lib64", "/usr/lib64"};
@@ -27,7 +23,7 @@ std::vector<fs::path> GetLibraryFolders() {
 
 std::vector<fs::path> GetUsualPaths(const ModuleKind& kind) {
     std::vector<fs::path> paths;
-    const fs::path home = GetVariable("HOME");
+    const fs::path home = Platform::GetEnvironment("HOME").value_or("");
     for (const std::string_view folder : kind.homeFolders) {
         if (!home.empty() && !folder.empty()) {
             paths.push_back(home / std::string(folder));
@@ -59,8 +55,8 @@ std::vector<fs::path> SplitAtColons(const std::string& text) {
 std::vector<SearchFolder> GetUsualFolders() {
     std::vector<SearchFolder> folders;
     for (const ModuleKind& kind : MODULE_KINDS) {
-        const std::string value = GetVariable(kind.variable);
-        for (const fs::path& path : value.empty() ? GetUsualPaths(kind) : SplitAtColons(value)) {
+        const auto value = Platform::GetEnvironment(std::string(kind.variable));
+        for (const fs::path& path : value ? SplitAtColons(*value) : GetUsualPaths(kind)) {
             folders.push_back({path, &kind});
         }
     }

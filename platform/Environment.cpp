@@ -1,12 +1,37 @@
 #include "platform/Environment.h"
 
+#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
 #include <cstdlib>
+#include <stdexcept>
 
 namespace Tarnex::Platform {
+namespace {
+
+namespace fs = boost::filesystem;
+
+fs::path GetHome() {
+    if (const auto home = GetEnvironment("HOME")) {
+        return *home;
+    }
+    const passwd* user = getpwuid(getuid());
+    return user == nullptr ? "" : user->pw_dir;
+}
+
+/// A relative path in such a variable is to be ignored.
+std::string GetUserFolder(const char* variable, const char* belowHome) {
+    const fs::path value = GetEnvironment(variable).value_or("");
+    const fs::path folder = value.is_absolute() ? value : GetHome() / belowHome;
+    if (!folder.is_absolute()) {
+        throw std::runtime_error("there is no home: set HOME, or name the folders by options");
+    }
+    return folder.native();
+}
+
+}  // namespace
 
 std::optional<std::string> GetEnvironment(const std::string& name) {
     const char* value = std::getenv(name.c_str());
@@ -33,7 +58,15 @@ std::vector<std::string> GetEnvironmentWithout(const std::vector<std::string>& b
 }
 
 std::string GetProgramPath() {
-    return boost::filesystem::read_symlink("/proc/self/exe").string();
+    return fs::read_symlink("/proc/self/exe").string();
+}
+
+std::string GetUserDataFolder() {
+    return GetUserFolder("XDG_DATA_HOME", ".local/share");
+}
+
+std::string GetUserStateFolder() {
+    return GetUserFolder("XDG_STATE_HOME", ".local/state");
 }
 
 }  // namespace Tarnex::Platform

@@ -21,4 +21,9 @@ bool SetEnvironment(const std::string& name, const std::string& value);
 /// `boost::filesystem::filesystem_error`.
 [[nodiscard]] std::string GetProgramPath();
 
+/// Where programs keep the user's data, and what is to last from run to run: as the XDG base
+/// directories have it. Both throw `std::runtime_error` for a user without a home.
+[[nodiscard]] std::string GetUserDataFolder();
+[[nodiscard]] std::string GetUserStateFolder();
+
 }  // namespace Tarnex::Platform

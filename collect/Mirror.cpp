@@ -1,4 +1,4 @@
-#include "assay/Mirror.h"
+#include "collect/Mirror.h"
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
@@ -11,7 +11,7 @@
 #include "platform/Files.h"
 #include "support/PluginList.h"
 
-namespace Tarnex::Assay {
+namespace Tarnex::Collect {
 namespace {
 
 namespace fs = boost::filesystem;
@@ -153,4 +153,4 @@ bool Mirror(const fs::path& source, const fs::path& directory) {
     return Mirroring(source, directory).Run();
 }
 
-}  // namespace Tarnex::Assay
+}  // namespace Tarnex::Collect
