@@ -3,13 +3,10 @@
 
 #include "core/media/CodecFactory.h"
 #include "core/media/Formats.h"
-#include "core/support/Constants.h"
 #include "parent/Phases.h"
 
 namespace Tarnex::Parent {
 namespace {
-
-using Core::Utils::EMPTY_VALUE;
 
 /// A start costs a tenth of its run at most.
 constexpr double WORK_PER_START = 10;
@@ -100,20 +97,11 @@ private:
                 others += "," + item.name;
             }
         }
-        Job job;
-        job.arguments = {"codecs",
-                         session.Time(tests.size()),
-                         JoinOrNothing({implementations.begin(), implementations.end()}),
-                         JoinOrNothing({ids.begin(), ids.end()}),
-                         JoinOrNothing(leftOut),
-                         EMPTY_VALUE,
-                         EMPTY_VALUE,
-                         EMPTY_VALUE,
-                         others.empty() ? EMPTY_VALUE : others,
-                         EMPTY_VALUE};
-        job.watch.kind = ItemKind::Codec;
-        job.watch.expected = tests;
-        return job;
+        return session.MakeJob(ItemKind::Codec, tests,
+                               {{3, Join({implementations.begin(), implementations.end()})},
+                                {4, Join({ids.begin(), ids.end()})},
+                                {5, Join(leftOut)},
+                                {9, others}});
     }
 
     void TakeBatch(const Run& run) {
@@ -146,7 +134,7 @@ private:
     void GoOn(const Watch& watch, std::deque<Names>& queue) {
         const Names rest = watch.Untouched();
         if (watch.begun.empty()) {
-            session.Note("A run didn't offer what was listed: " + JoinOrNothing(rest));
+            session.Note("A run didn't offer what was listed: " + Join(rest));
         } else if (!rest.empty()) {
             queue.push_front(rest);
         }
@@ -158,7 +146,7 @@ private:
             jobs.push_back(TestJob({name}));
             jobs.back().alone = NeedsQuiet(seen[name]);
         }
-        session.RunAll(jobs, [&](std::size_t, const Run& run) {
+        session.RunAll(std::move(jobs), [&](const Run& run) {
             for (const auto& [name, attempt] : run.job.watch.attempts) {
                 Decide(name, seen[name], attempt);
             }

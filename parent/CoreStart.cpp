@@ -78,10 +78,10 @@ private:
         Job job;
         job.helper = true;
         if (!without.empty()) {
-            job.arguments = {"--without", JoinOrNothing(without)};
+            job.arguments = {"--without", Join(without)};
         }
         Start start;
-        session.RunAll({job}, [&](std::size_t, const Run& run) {
+        session.RunAll({job}, [&](const Run& run) {
             const auto* exit = std::get_if<ExitStatus>(&run.end);
             const bool works = exit != nullptr && exit->status == 0;
             start = {works ? Parse(run.output) : std::nullopt, {}, job.arguments};

@@ -1,14 +1,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/support/Constants.h"
 #include "parent/Minimize.h"
 #include "parent/Phases.h"
 
 namespace Tarnex::Parent {
 namespace {
-
-using Core::Utils::EMPTY_VALUE;
 
 constexpr int MAX_COMPANY_RUNS = 64;
 constexpr std::chrono::minutes MAX_COMPANY_TIME{2};
@@ -17,7 +14,7 @@ constexpr std::size_t MOST_SPOILERS = 3;
 
 /// Was bad in company.
 struct Suspect {
-    Item& item;
+    std::string name;
     Attempt seen;
     Names before;  // loaded before it in that run
     Attempt alone{};
@@ -45,9 +42,9 @@ private:
         }
         while (!suspects.empty()) {
             session.progress.phase = "trials";
-            TrySuspects();
+            const std::vector<Suspect> unsteady = TrySuspects();
             session.progress.phase = "company";
-            for (const Suspect& suspect : std::exchange(unsteady, {})) {
+            for (const Suspect& suspect : unsteady) {
                 FindCompany(suspect);
             }
         }
@@ -89,24 +86,17 @@ private:
             }
             begun = begun || name == culprit;
         }
-        Job job;
-        job.arguments = {"plugins",   session.Time(expected.size()),
-                         EMPTY_VALUE, EMPTY_VALUE,
-                         EMPTY_VALUE, session.WriteList(listName, others),
-                         EMPTY_VALUE, culprit.empty() ? EMPTY_VALUE : culprit,
-                         EMPTY_VALUE, EMPTY_VALUE};
-        job.watch.expected = std::move(expected);
-        return job;
+        return session.MakeJob(ItemKind::Plugin, expected,
+                               {{6, session.WriteList(listName, others)}, {8, culprit}});
     }
 
     /// One run over what is left; false once all was loaded.
     bool Loop() {
         Watch watch;
-        session.RunAll({LoadJob(Loadable(), "known.list", after)},
-                       [&](std::size_t, const Run& run) {
-                           watch = run.job.watch;
-                           TakePassed(watch);
-                       });
+        session.RunAll({LoadJob(Loadable(), "known.list", after)}, [&](const Run& run) {
+            watch = run.job.watch;
+            TakePassed(watch);
+        });
         if (!watch.finished && MarkVanished(watch)) {
             return true;
         }
@@ -129,7 +119,7 @@ private:
         for (const auto& [name, attempt] : watch.attempts) {
             if (IsBad(attempt.verdict)) {
                 const auto place = std::ranges::find(watch.begun, name);
-                suspects.push_back({Find(name), attempt, {watch.begun.begin(), place}});
+                suspects.push_back({name, attempt, {watch.begun.begin(), place}});
             }
         }
     }
@@ -146,27 +136,31 @@ private:
         return any;
     }
 
-    void TrySuspects() {
+    /// Gives those that turned out unsteady.
+    std::vector<Suspect> TrySuspects() {
         std::vector<Suspect> tried = std::exchange(suspects, {});
         std::vector<Job> jobs;
         for (const Suspect& suspect : tried) {
-            jobs.push_back(LoadJob({suspect.item.name}, NextList("alone")));
+            jobs.push_back(LoadJob({suspect.name}, NextList("alone")));
             jobs.back().alone = NeedsQuiet(suspect.seen);
         }
-        session.RunAll(jobs, [&](std::size_t place, const Run& run) {
+        session.RunAll(std::move(jobs), [&](const Run& run) {
             for (const auto& [name, attempt] : run.job.watch.attempts) {
-                tried[place].alone = attempt;
-                Decide(tried[place], run.job.arguments);
+                Suspect& suspect = *std::ranges::find(tried, name, &Suspect::name);
+                suspect.alone = attempt;
+                Decide(suspect, run.job.arguments);
             }
         });
+        std::erase_if(tried, [this](const Suspect& suspect) {
+            return Find(suspect.name).verdict != Verdict::Unsteady;
+        });
+        return tried;
     }
 
     void Decide(const Suspect& suspect, const Names& arguments) {
-        Item& item = suspect.item;
+        Item& item = Find(suspect.name);
         Judge(item, suspect.seen, suspect.alone);
-        if (item.verdict == Verdict::Unsteady) {
-            unsteady.push_back(suspect);
-        } else if (IsBad(item.verdict)) {
+        if (IsBad(suspect.alone.verdict)) {
             item.repro = ToRepro(session.options, arguments);
         }
         if (EndsRuns(item.verdict)) {
@@ -176,7 +170,7 @@ private:
 
     /// Not of a hang: each question may take as long as an item may.
     void FindCompany(const Suspect& suspect) {
-        Item& item = suspect.item;
+        Item& item = Find(suspect.name);
         Names company = suspect.before;
         const bool again = suspect.seen.verdict != Verdict::Hung && !company.empty() &&
                            IsBadAmong(company, suspect);
@@ -208,9 +202,9 @@ private:
 
     bool IsBadAmong(const Names& names, const Suspect& suspect) {
         Names all = names;
-        all.push_back(suspect.item.name);
+        all.push_back(suspect.name);
         const Watch watch = session.RunOne(LoadJob(all, "company.list"));
-        const auto attempt = watch.attempts.find(suspect.item.name);
+        const auto attempt = watch.attempts.find(suspect.name);
         return attempt != watch.attempts.end() && IsSame(attempt->second, suspect.seen);
     }
 
@@ -218,15 +212,15 @@ private:
     /// blamed by such records: its trial counts, and whoever was bad in that run is suspected.
     bool WasBlamedFalsely(const Suspect& suspect, const Names& company) {
         const Watch control = session.RunOne(LoadJob(company, "company.list"));
-        if (!Contains(control.strays, suspect.item.name)) {
+        if (!Contains(control.strays, suspect.name)) {
             return false;
         }
-        Judge(suspect.item, suspect.alone, suspect.alone);
-        session.Note("Records that blamed " + suspect.item.name + " came from another module, of " +
-                     JoinOrNothing(company));
+        Judge(Find(suspect.name), suspect.alone, suspect.alone);
+        session.Note("Records that blamed " + suspect.name + " came from another module, of " +
+                     Join(company));
         for (const auto& [name, attempt] : control.attempts) {
             if (IsBad(attempt.verdict) && IsOpen(Find(name))) {
-                suspects.push_back({Find(name), attempt, {}});
+                suspects.push_back({name, attempt, {}});
             }
         }
         return true;
@@ -243,7 +237,6 @@ private:
     std::set<std::string> culprits;
     std::map<std::string, Attempt> passed;
     std::vector<Suspect> suspects;
-    std::vector<Suspect> unsteady;
     int lists = 0;
 };
 

@@ -18,7 +18,6 @@ struct Job {
     bool alone = false;   ///< nothing else runs beside it
     bool helper = false;  ///< it is the helper program, whose output is wanted
     bool repeated = false;
-    std::size_t place = 0;  ///< among those that were wanted together
 };
 
 /// One process of a check, from its start to its end.

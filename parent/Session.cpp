@@ -20,6 +20,9 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds PROGRESS_TIME{200};
+/// Of the program's command line, and the most that it takes for a time.
+constexpr std::size_t POSITIONS = 10;
+constexpr std::uint64_t MOST_SECONDS = 4294967295;
 
 /// The status of an error that isn't an item's, as the protocol has it.
 bool ForbidsToGoOn(const Run& run) {
@@ -65,27 +68,18 @@ void Session::Drain(const Next& next, const std::function<void(const Run&)>& tak
     }
 }
 
-void Session::RunAll(const std::vector<Job>& jobs,
-                     const std::function<void(std::size_t, const Run&)>& take) {
-    std::deque<Job> queue(jobs.begin(), jobs.end());
-    for (std::size_t i = 0; i < queue.size(); ++i) {
-        queue[i].place = i;
-    }
-    std::stable_partition(queue.begin(), queue.end(), [](const Job& job) { return !job.alone; });
-    const auto next = [&]() -> std::optional<Job> {
-        if (queue.empty()) {
-            return std::nullopt;
-        }
-        std::optional<Job> job = std::move(queue.front());
-        queue.pop_front();
-        return job;
+void Session::RunAll(std::vector<Job> jobs, const std::function<void(const Run&)>& take) {
+    std::stable_partition(jobs.begin(), jobs.end(), [](const Job& job) { return !job.alone; });
+    auto job = jobs.begin();
+    const auto next = [&] {
+        return job == jobs.end() ? std::nullopt : std::optional(std::move(*job++));
     };
-    Drain(next, [&](const Run& run) { take(run.job.place, run); });
+    Drain(next, take);
 }
 
 Watch Session::RunOne(const Job& job) {
     Watch watch;
-    RunAll({job}, [&](std::size_t, const Run& run) { watch = run.job.watch; });
+    RunAll({job}, [&](const Run& run) { watch = run.job.watch; });
     return watch;
 }
 
@@ -177,9 +171,7 @@ bool Session::IsToRepeat(const Run& run) {
     }
     Job again = run.job;
     again.repeated = true;
-    again.watch = Watch();
-    again.watch.kind = watch.kind;
-    again.watch.expected = watch.expected;
+    again.watch = Watch(watch.kind, watch.expected);
     waiting.push_front(std::move(again));
     return true;
 }
@@ -204,15 +196,25 @@ void Session::TellProgress() {
     listener.OnProgress(current);
 }
 
-std::string Session::Time(std::size_t items) const {
-    constexpr std::uint64_t MOST = 4294967295;
+/// The time at the second position is one that no run reaches, because each item's own limit ends
+/// it before.
+Job Session::MakeJob(ItemKind kind, const Names& expected,
+                     const std::map<std::size_t, std::string>& positions) const {
     const auto each = static_cast<std::uint64_t>(options.itemTime.count());
-    return std::to_string(std::min(MOST, (items + 2) * each));
+    Job job;
+    job.arguments = Names(POSITIONS, Core::Utils::EMPTY_VALUE);
+    job.arguments[0] = kind == ItemKind::Plugin ? "plugins" : "codecs";
+    job.arguments[1] = std::to_string(std::min(MOST_SECONDS, (expected.size() + 2) * each));
+    for (const auto& [position, text] : positions) {
+        job.arguments[position - 1] = text.empty() ? Core::Utils::EMPTY_VALUE : text;
+    }
+    job.watch = Watch(kind, expected);
+    return job;
 }
 
 std::string Session::WriteList(const std::string& name, const Names& plugins) const {
     if (plugins.empty()) {
-        return Core::Utils::EMPTY_VALUE;
+        return "";
     }
     std::string path = (boost::filesystem::absolute(options.lists) / name).native();
     boost::system::error_code ignored;
@@ -238,8 +240,8 @@ void Session::Note(const std::string& text) {
     }
 }
 
-std::string JoinOrNothing(const Names& names) {
-    return names.empty() ? Core::Utils::EMPTY_VALUE : fmt::format("{}", fmt::join(names, ","));
+std::string Join(const Names& names) {
+    return fmt::to_string(fmt::join(names, ","));
 }
 
 Names ToRepro(const CheckOptions& options, const Names& arguments) {

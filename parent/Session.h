@@ -31,18 +31,18 @@ public:
     /// stop descriptor is readable or a run's end forbids to go on; no run is left after a throw,
     /// and `take` has got what they had seen.
     void Drain(const Next& next, const std::function<void(const Run&)>& take);
-    /// All of these; those that have to be alone come last. `take` gets their places.
-    void RunAll(const std::vector<Job>& jobs,
-                const std::function<void(std::size_t, const Run&)>& take);
+    /// All of these; those that have to be alone come last.
+    void RunAll(std::vector<Job> jobs, const std::function<void(const Run&)>& take);
     /// One by itself.
     Watch RunOne(const Job& job);
 
-    /// The second of the program's positions: a time that no run reaches, because each item's own
-    /// limit ends it before.
-    std::string Time(std::size_t items) const;
+    /// A run that should touch these, with texts for the program's positions from the third on, by
+    /// number. The others get the placeholder for nothing, as an empty text does.
+    Job MakeJob(ItemKind kind, const Names& expected,
+                const std::map<std::size_t, std::string>& positions) const;
 
-    /// Writes a plugin list into the folder for lists and gives its path; the placeholder for
-    /// nothing if there are no names. Throws `CheckFailure`.
+    /// Writes a plugin list into the folder for lists and gives its path; an empty one if there are
+    /// no names. Throws `CheckFailure`.
     std::string WriteList(const std::string& name, const Names& plugins) const;
 
     /// Tells the listener, each item once.
@@ -71,8 +71,8 @@ private:
     std::set<const Item*> told;
 };
 
-/// Joined by commas; the placeholder for nothing if there are none.
-std::string JoinOrNothing(const Names& names);
+/// Separated by commas.
+std::string Join(const Names& names);
 
 /// The command, as an argument vector, that shows an item again.
 Names ToRepro(const CheckOptions& options, const Names& arguments);

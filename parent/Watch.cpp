@@ -30,10 +30,6 @@ std::string FirstLine(std::string text) {
 
 }  // namespace
 
-bool Contains(const Names& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 Attempt FromEnd(const RunEnd& end) {
     if (const auto* killed = std::get_if<KilledBy>(&end)) {
         return {Verdict::Crashed, killed->signal, {}, 0};

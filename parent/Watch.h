@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/support/Text.h"
 #include "parent/Check.h"
 #include "parent/Records.h"
 
@@ -12,8 +13,7 @@ namespace Tarnex::Parent {
 
 using Clock = std::chrono::steady_clock;
 using Names = std::vector<std::string>;
-
-bool Contains(const Names& names, const std::string& name);
+using Core::Utils::Contains;
 
 /// How one attempt at an item went.
 struct Attempt {
@@ -45,11 +45,13 @@ void Judge(Item& item, const Attempt& seen, const Attempt& alone);
 /// Follows the items of a run by its records. Believes no more of them than it has to: a module
 /// shares the process with Assayer and can write records about others.
 struct Watch {
-    ItemKind kind = ItemKind::Plugin;
-    /// What the run should touch: plugins in this order, a plugin of two factories twice; codec
-    /// tests in any order, each once.
-    Names expected;
+    /// `expected`: what the run should touch. Plugins in this order, a plugin of two factories
+    /// twice; codec tests in any order, each once.
+    explicit Watch(ItemKind kind = ItemKind::Plugin, Names expected = {})
+        : kind(kind), expected(std::move(expected)) {}
 
+    ItemKind kind;
+    Names expected;
     std::map<std::string, Attempt> attempts;  ///< of all that is closed
     Names begun;
     std::string open;

@@ -11,9 +11,7 @@ using namespace Tarnex::Core::Utils;  // NOLINT(google-build-using-namespace)
 
 /// "name=verdict(reason) ..." after these records and an end by this signal.
 std::string Follow(ItemKind kind, const Names& expected, const std::vector<Record>& records) {
-    Watch watch;
-    watch.kind = kind;
-    watch.expected = expected;
+    Watch watch(kind, expected);
     for (const Record& record : records) {
         watch.Take(record, Clock::now());
     }
