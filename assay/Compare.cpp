@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <map>
 #include <optional>
 
 namespace Tarnex::Assay {
@@ -10,12 +9,6 @@ namespace {
 
 using Parent::Item;
 using Parent::Verdict;
-
-/// An item before and after; null where it wasn't there.
-struct Pair {
-    const Item* before = nullptr;
-    const Item* after = nullptr;
-};
 
 /// A module whose file is gone is as good as one that isn't listed.
 bool IsThere(const Item* item) {
@@ -57,8 +50,7 @@ std::string Describe(const Item* item) {
     return fmt::format("{}{}", ToString(item->verdict), reason);
 }
 
-std::string Describe(const Pair& pair) {
-    const auto& [before, after] = pair;
+std::string Describe(const Item* before, const Item* after) {
     const bool otherFile = before && after && before->file && before->file != after->file;
     return fmt::format("{}: {} -> {}{}", (after ? after : before)->name, Describe(before),
                        Describe(after), otherFile ? "; its file changed" : "");
@@ -67,25 +59,18 @@ std::string Describe(const Pair& pair) {
 }  // namespace
 
 std::vector<Change> Compare(const Report& before, const Report& after) {
-    std::map<std::pair<Parent::ItemKind, std::string>, std::size_t> places;
-    std::vector<Pair> pairs;
-    const auto add = [&](const Item& item, const Item* Pair::*side) {
-        const auto [place, isNew] = places.try_emplace({item.kind, item.name}, pairs.size());
-        if (isNew) {
-            pairs.emplace_back();
+    std::vector<Change> changes;
+    const auto add = [&](const Item* then, const Item* now) {
+        if (const auto trend = Classify(then, now)) {
+            changes.push_back({*trend, Describe(then, now)});
         }
-        pairs[place->second].*side = &item;
     };
     for (const Item& item : after.items) {
-        add(item, &Pair::after);
+        add(FindItem(before, item), &item);
     }
     for (const Item& item : before.items) {
-        add(item, &Pair::before);
-    }
-    std::vector<Change> changes;
-    for (const Pair& pair : pairs) {
-        if (const auto trend = Classify(pair.before, pair.after)) {
-            changes.push_back({*trend, Describe(pair)});
+        if (FindItem(after, item) == nullptr) {
+            add(&item, nullptr);
         }
     }
     return changes;

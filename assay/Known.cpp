@@ -1,6 +1,5 @@
 #include "assay/Known.h"
 
-#include <algorithm>
 #include <boost/filesystem.hpp>
 
 namespace Tarnex::Assay {
@@ -43,11 +42,9 @@ void CarryOver(const Item& known, const fs::path& lists, Item& item) {
 void CarryOver(const Report& known, const Json& environment, const fs::path& lists,
                std::vector<Item>& items) {
     for (Item& item : items) {
-        const auto found = std::ranges::find_if(known.items, [&](const Item& candidate) {
-            return candidate.kind == item.kind && candidate.name == item.name;
-        });
-        if (found != known.items.end() && IsUnchanged(known.environment, environment, item.kind)) {
-            CarryOver(*found, lists, item);
+        const Item* before = FindItem(known, item);
+        if (before != nullptr && IsUnchanged(known.environment, environment, item.kind)) {
+            CarryOver(*before, lists, item);
         }
     }
 }

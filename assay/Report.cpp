@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <boost/filesystem.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -136,6 +137,13 @@ std::string Explain(const Json::exception& error) {
 }
 
 }  // namespace
+
+const Parent::Item* FindItem(const Report& report, const Parent::Item& like) {
+    const auto found = std::ranges::find_if(report.items, [&](const Parent::Item& item) {
+        return item.kind == like.kind && item.name == like.name;
+    });
+    return found == report.items.end() ? nullptr : &*found;
+}
 
 Json ToJson(const Parent::FileFacts& facts) {
     return facts;

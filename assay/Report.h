@@ -29,6 +29,9 @@ struct Report : Parent::CheckResult {
 Json ToJson(const Parent::FileFacts& facts);
 Json ToJson(const Parent::Item& item);
 
+/// The item of the same kind and name; null if there is none.
+const Parent::Item* FindItem(const Report& report, const Parent::Item& like);
+
 /// With the totals.
 Json ToJson(const Report& report);
 

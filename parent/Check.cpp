@@ -33,55 +33,41 @@ CheckOptions Resolve(CheckOptions options) {
     return options;
 }
 
-/// The wanted ones, by name.
-std::vector<Item> ChooseCodecs(const CheckOptions& options, const Listing& listing) {
-    std::map<std::string, Item> items;
-    std::set<std::string> implementations, ids;
+std::set<std::string> GetAll(const std::vector<Item>& items, std::string Item::*part) {
+    std::set<std::string> values;
+    std::ranges::transform(items, std::inserter(values, values.end()), part);
+    return values;
+}
+
+/// By name.
+std::vector<Item> ToItems(const Listing& listing) {
+    std::vector<Item> items;
     for (const auto& [implementation, coders] : listing.codecs) {
-        implementations.insert(implementation);
         for (const auto& [coder, codecs] : coders) {
-            ids.insert(codecs.begin(), codecs.end());
             for (const std::string& codec : codecs) {
-                if (IsWanted(options.implementations, implementation) &&
-                    IsWanted(options.codecIds, codec)) {
-                    const std::string name = fmt::format("{}.{}.{}", coder, implementation, codec);
-                    Item& item = items[name];
-                    item.kind = ItemKind::Codec;
-                    item.name = name;
-                    item.coder = coder;
-                    item.implementation = implementation;
-                    item.codec = codec;
-                }
+                Item& item = items.emplace_back();
+                item.kind = ItemKind::Codec;
+                item.name = fmt::format("{}.{}.{}", coder, implementation, codec);
+                item.coder = coder;
+                item.implementation = implementation;
+                item.codec = codec;
             }
         }
     }
-    RequireKnown(options.implementations, implementations, "implementation");
-    RequireKnown(options.codecIds, ids, "codec");
-    std::vector<Item> chosen;
-    chosen.reserve(items.size());
-    for (auto& [name, item] : items) {
-        chosen.push_back(std::move(item));
-    }
-    return chosen;
+    std::ranges::sort(items, {}, &Item::name);
+    return items;
 }
 
 class Checking {
 public:
     Checking(const CheckOptions& wanted, std::vector<Item> items, CheckListener& listener)
         : options(Resolve(wanted)), session(options, listener, result), plugins(std::move(items)) {
-        std::set<std::string> known;
-        for (const Item& item : plugins) {
-            known.insert(item.name);
-            if (options.plugins && IsWanted(options.pluginNames, item.name)) {
-                chosen.insert(item.name);
-            }
-        }
-        RequireKnown(options.pluginNames, known, "plugin");
+        RequireKnown(options.pluginNames, GetAll(plugins, &Item::name), "plugin");
     }
 
     CheckResult Check() {
         try {
-            RunPhase([this] { CheckPlugins(session, chosen, plugins); });
+            RunPhase([this] { CheckPlugins(session, plugins); });
             if (options.codecs) {
                 RunPhase([this] { CheckAllCodecs(); });
             }
@@ -104,7 +90,14 @@ private:
     void CheckAllCodecs() {
         Names leftOut;
         const Listing listing = ListCodecs(session, plugins, leftOut);
-        codecs = ChooseCodecs(options, listing);
+        codecs = ToItems(listing);
+        std::set<std::string> implementations;
+        for (const auto& [implementation, coders] : listing.codecs) {
+            implementations.insert(implementation);
+        }
+        RequireKnown(options.implementations, implementations, "implementation");
+        RequireKnown(options.codecIds, GetAll(codecs, &Item::codec), "codec");
+        std::erase_if(codecs, [this](const Item& item) { return !options.Wants(item); });
         session.listener.OnListing(listing, codecs);
         TellPlugins();
         for (const Item& item : codecs) {
@@ -117,7 +110,7 @@ private:
 
     /// Also in a check of codecs alone a plugin counts that the media core has to start without.
     bool IsPart(const Item& plugin) const {
-        return chosen.contains(plugin.name) || !plugin.phase.empty() ||
+        return options.Wants(plugin) || !plugin.phase.empty() ||
                (plugin.carried && IsBad(plugin.verdict));
     }
 
@@ -153,11 +146,16 @@ private:
     CheckResult result;
     Session session;
     std::vector<Item> plugins;
-    std::set<std::string> chosen;
     std::vector<Item> codecs;
 };
 
 }  // namespace
+
+bool CheckOptions::Wants(const Item& item) const {
+    return item.kind == ItemKind::Plugin
+               ? plugins && IsWanted(pluginNames, item.name)
+               : IsWanted(implementations, item.implementation) && IsWanted(codecIds, item.codec);
+}
 
 CheckResult RunCheck(const CheckOptions& options, std::vector<Item> plugins,
                      CheckListener& listener) {

@@ -3,7 +3,7 @@
 #include <boost/filesystem/path.hpp>
 #include <chrono>
 #include <map>
-#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -31,6 +31,9 @@ struct CheckOptions {
     unsigned int jobs = 1;          ///< runs side by side, at least 1
     boost::filesystem::path lists;  ///< folder for the list files that `repro` commands need
     int stop = -1;                  ///< a descriptor; once it is readable the check ends early
+
+    /// Whether the item is among the chosen ones.
+    bool Wants(const Item& item) const;
 };
 
 /// How a process ended.
@@ -54,8 +57,8 @@ struct RunFacts {
 
 /// What the helper program says of the media core.
 struct Listing {
-    /// Codec ids by implementation and coder type ("Decoder", "Encoder"), in the core's order.
-    std::map<std::string, std::map<std::string, std::vector<std::string>>> codecs;
+    /// Codec ids by implementation and coder type ("Decoder", "Encoder").
+    std::map<std::string, std::map<std::string, std::set<std::string>>> codecs;
     std::vector<std::string>
         files;  ///< mapped in its process after the modules listed their codecs
 };

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <set>
-
 #include "parent/Session.h"
 
 namespace Tarnex::Parent {
@@ -9,10 +7,9 @@ namespace Tarnex::Parent {
 // The parts of a check, in their order. They decide items that are `NotReached`, and throw as
 // `Session::Drain` does.
 
-/// Loads the chosen plugins, finds who fails or ends a run, and tries those again by themselves.
+/// Loads the wanted plugins, finds who fails or ends a run, and tries those again by themselves.
 /// Tells the listener of those that end runs: what comes later can show more of the others.
-void CheckPlugins(Session& session, const std::set<std::string>& chosen,
-                  std::vector<Item>& plugins);
+void CheckPlugins(Session& session, std::vector<Item>& plugins);
 
 /// Asks the helper program what the media core offers. Finds the plugins without which the core
 /// starts if it doesn't start with them. `leftOut`: what it is and has to be started without.

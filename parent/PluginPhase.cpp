@@ -22,8 +22,8 @@ struct Suspect {
 
 class PluginPhase {
 public:
-    PluginPhase(Session& session, const std::set<std::string>& chosen, std::vector<Item>& plugins)
-        : session(session), chosen(chosen), plugins(plugins) {}
+    PluginPhase(Session& session, std::vector<Item>& plugins)
+        : session(session), plugins(plugins) {}
 
     void Check() {
         try {
@@ -61,7 +61,7 @@ private:
     Item& Find(const std::string& name) { return *std::ranges::find(plugins, name, &Item::name); }
 
     bool IsOpen(const Item& item) const {
-        return item.verdict == Verdict::NotReached && chosen.contains(item.name);
+        return item.verdict == Verdict::NotReached && session.options.Wants(item);
     }
 
     Names Loadable() const {
@@ -231,7 +231,6 @@ private:
     }
 
     Session& session;
-    const std::set<std::string>& chosen;
     std::vector<Item>& plugins;
     std::string after;  // the culprit of the last run
     std::set<std::string> culprits;
@@ -242,9 +241,8 @@ private:
 
 }  // namespace
 
-void CheckPlugins(Session& session, const std::set<std::string>& chosen,
-                  std::vector<Item>& plugins) {
-    PluginPhase(session, chosen, plugins).Check();
+void CheckPlugins(Session& session, std::vector<Item>& plugins) {
+    PluginPhase(session, plugins).Check();
 }
 
 }  // namespace Tarnex::Parent
