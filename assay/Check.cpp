@@ -32,13 +32,13 @@ unsigned int ChooseJobs(unsigned int wanted) {
     return wanted > 0 ? wanted : static_cast<unsigned int>(best);
 }
 
-Json DescribeOptions(const Arguments& arguments, unsigned int jobs) {
+Json DescribeOptions(const Arguments& arguments, const Parent::CheckOptions& options) {
     return {{"check", arguments.check},
-            {"plugins", arguments.plugins},
-            {"implementations", arguments.implementations},
-            {"codecs", arguments.codecs},
-            {"item_time", arguments.itemTime},
-            {"jobs", jobs},
+            {"plugins", options.pluginNames},
+            {"implementations", options.implementations},
+            {"codecs", options.codecIds},
+            {"item_time", options.itemTime.count()},
+            {"jobs", options.jobs},
             {"known", arguments.known}};
 }
 
@@ -77,16 +77,13 @@ int Check(const Arguments& arguments) {
     const Collect::Chosen installation = Collect::ChooseInstallation(arguments.app);
     terminal.Line("checking " + installation.directory.string() + " (" + installation.reason + ")");
     const Platform::StopSignals stop;
-    const Parent::CheckOptions options{.plugins = arguments.check != "codecs",
-                                       .codecs = arguments.check != "plugins",
-                                       .application = installation.directory,
-                                       .pluginNames = arguments.plugins,
-                                       .implementations = arguments.implementations,
-                                       .codecIds = arguments.codecs,
-                                       .itemTime = std::chrono::seconds(arguments.itemTime),
-                                       .jobs = ChooseJobs(arguments.jobs),
-                                       .lists = saved.freshLists,
-                                       .stop = stop.descriptor};
+    Parent::CheckOptions options = arguments.options;
+    options.plugins = arguments.check != "codecs";
+    options.codecs = arguments.check != "plugins";
+    options.application = installation.directory;
+    options.jobs = ChooseJobs(options.jobs);
+    options.lists = saved.freshLists;
+    options.stop = stop.descriptor;
     Report report;
     report.started = GetTime();
     const auto start = std::chrono::steady_clock::now();
@@ -98,7 +95,7 @@ int Check(const Arguments& arguments) {
     report.seconds = time.count();
     report.machine = DescribeMachine();
     report.installation = installation.directory.string();
-    report.options = DescribeOptions(arguments, options.jobs);
+    report.options = DescribeOptions(arguments, options);
     report.environment = reporter.environment;
     const int status = ChooseStatus(report, stop.Take());
     saved.Save(report);

@@ -21,6 +21,7 @@ constexpr const char* EXIT_STATUS =
 class Parser {
 public:
     Parser() {
+        options.jobs = 0;
         app.footer(EXIT_STATUS);
         app.set_version_flag("--version", "assay " ASSAYER_VERSION);
         app.require_subcommand(1);
@@ -50,6 +51,7 @@ private:
         CLI::App* command = app.add_subcommand(name, text);
         command->callback([this, name, run] {
             arguments.check = name;
+            options.itemTime = std::chrono::seconds(itemTime);
             status = run(arguments);
         });
         return command;
@@ -59,14 +61,14 @@ private:
         CLI::App* command = Add(name, text, Check);
         AddInstallation(command);
         if (name != "codecs") {
-            AddNames(command, "--plugin", arguments.plugins, "only these plugins");
+            AddNames(command, "--plugin", options.pluginNames, "only these plugins");
         }
         if (name != "plugins") {
-            AddNames(command, "--implementation", arguments.implementations,
+            AddNames(command, "--implementation", options.implementations,
                      "only codecs of these implementations");
-            AddNames(command, "--codec", arguments.codecs, "only these codec ids");
+            AddNames(command, "--codec", options.codecIds, "only these codec ids");
         }
-        command->add_option("--jobs", arguments.jobs, "how many processes work side by side")
+        command->add_option("--jobs", options.jobs, "how many processes work side by side")
             ->type_name("N")
             ->check(CLI::Range(1U, 1024U));
         AddPath(command, "--known", arguments.known, "spare what ended a run in this report");
@@ -80,7 +82,7 @@ private:
     void AddInstallation(CLI::App* command) {
         AddPath(command, "--app", arguments.app, "the installation directory to check");
         command
-            ->add_option("--item-time", arguments.itemTime,
+            ->add_option("--item-time", itemTime,
                          "seconds after which a plugin or codec counts as hung")
             ->type_name("SECONDS")
             ->check(CLI::Range(1U, 86400U))
@@ -115,6 +117,8 @@ private:
     CLI::App app{"Checks which plugin modules load and which codecs work on this machine.",
                  "assay"};
     Arguments arguments;
+    Parent::CheckOptions& options = arguments.options;
+    unsigned int itemTime = 20;  // seconds
     int status = STATUS_GOOD;
 };
 

@@ -94,10 +94,10 @@ void PrintHead(Terminal& terminal, const NamedReport& named) {
 }  // namespace
 
 int List(const Arguments& arguments) {
-    Parent::CheckOptions options;
+    Parent::CheckOptions options = arguments.options;
     options.codecs = true;
+    options.jobs = 1;
     options.application = Collect::ChooseInstallation(arguments.app).directory;
-    options.itemTime = std::chrono::seconds(arguments.itemTime);
     const std::vector<Item> plugins = Parent::ListPlugins(options.application);
     PrintGroups(plugins);
     Lister lister;

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "parent/Check.h"
+
 namespace Tarnex::Assay {
 
 /// What the command tells a script. A signal adds its number to 128.
@@ -18,11 +20,7 @@ enum Status : int {
 struct Arguments {
     std::string check;  ///< "plugins", "codecs" or "all"
     std::string app;
-    std::vector<std::string> plugins;
-    std::vector<std::string> implementations;
-    std::vector<std::string> codecs;
-    unsigned int itemTime = 20;  ///< seconds
-    unsigned int jobs = 0;       ///< 0: as many as the machine bears
+    Parent::CheckOptions options;  ///< `jobs` 0: as many as the machine bears
     std::string known;
     std::string report;
     std::string log;

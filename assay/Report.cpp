@@ -74,22 +74,18 @@ void from_json(const Json& from, FileFacts& facts) {
 }
 
 void to_json(Json& to, const RunEnd& end) {
-    if (const auto* exited = std::get_if<ExitStatus>(&end)) {
-        to["status"] = exited->status;
-    } else if (const auto* killed = std::get_if<KilledBy>(&end)) {
-        to["signal"] = killed->signal;
-    } else {
-        to["deadline"] = std::get<OverDeadline>(end).seconds;
-    }
+    to = end.status   ? Json{{"status", *end.status}}
+         : end.signal ? Json{{"signal", *end.signal}}
+                      : Json{{"deadline", end.deadline.value_or(0)}};
 }
 
 void from_json(const Json& from, RunEnd& end) {
     if (from.contains("status")) {
-        end = ExitStatus{static_cast<int>(ToNatural(from.at("status"), 255))};
+        end.status = static_cast<int>(ToNatural(from.at("status"), 255));
     } else if (from.contains("signal")) {
-        end = KilledBy{from.at("signal")};
+        end.signal = from.at("signal").get<std::string>();
     } else {
-        end = OverDeadline{from.at("deadline")};
+        end.deadline = from.at("deadline").get<double>();
     }
 }
 

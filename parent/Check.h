@@ -3,10 +3,10 @@
 #include <boost/filesystem/path.hpp>
 #include <chrono>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "core/support/Exception.h"
@@ -36,17 +36,12 @@ struct CheckOptions {
     bool Wants(const Item& item) const;
 };
 
-/// How a process ended.
-struct ExitStatus {
-    int status;
+/// How a process ended: one of these.
+struct RunEnd {
+    std::optional<int> status{};
+    std::optional<std::string> signal{};  ///< its name, "SIGSEGV"
+    std::optional<double> deadline{};     ///< it was ended after so many seconds
 };
-struct KilledBy {
-    std::string signal;  ///< its name, "SIGSEGV"
-};
-struct OverDeadline {
-    double seconds;
-};
-using RunEnd = std::variant<ExitStatus, KilledBy, OverDeadline>;
 
 /// One process that the check started.
 struct RunFacts {

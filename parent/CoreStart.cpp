@@ -82,9 +82,7 @@ private:
         }
         Start start;
         session.RunAll({job}, [&](const Run& run) {
-            const auto* exit = std::get_if<ExitStatus>(&run.end);
-            const bool works = exit != nullptr && exit->status == 0;
-            start = {works ? Parse(run.output) : std::nullopt, {}, job.arguments};
+            start = {run.end.status == 0 ? Parse(run.output) : std::nullopt, {}, job.arguments};
             start.attempt = start.listing ? Attempt() : ToAttempt(run);
         });
         return start;

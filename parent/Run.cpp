@@ -93,12 +93,12 @@ void Run::Finish(const Platform::ProcessReport& report) {
 
 RunEnd Run::ToEnd(const Platform::ProcessReport& report) const {
     if (late && report.ended) {
-        return OverDeadline{ToFPSeconds(options.itemTime)};
+        return {.deadline = ToFPSeconds(options.itemTime)};
     }
     if (WIFSIGNALED(report.status)) {
-        return KilledBy{Platform::SignalName(WTERMSIG(report.status))};
+        return {.signal = Platform::SignalName(WTERMSIG(report.status))};
     }
-    return ExitStatus{WEXITSTATUS(report.status)};
+    return {.status = WEXITSTATUS(report.status)};
 }
 
 }  // namespace Tarnex::Parent

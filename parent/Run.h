@@ -38,7 +38,7 @@ public:
     Platform::Process process;
     const std::size_t index;     ///< in `CheckResult::runs`
     Clock::time_point deadline;  ///< for the next step
-    RunEnd end = KilledBy{"SIGKILL"};
+    RunEnd end;
     double seconds = 0;
     double startSeconds = 0;  ///< to the first item
     std::string output;       ///< of the helper

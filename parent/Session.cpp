@@ -26,18 +26,15 @@ constexpr std::uint64_t MOST_SECONDS = 4294967295;
 
 /// The status of an error that isn't an item's, as the protocol has it.
 bool ForbidsToGoOn(const Run& run) {
-    const auto* exit = std::get_if<ExitStatus>(&run.end);
-    const bool isStatusOfRun = exit != nullptr && !run.job.helper;
-    return isStatusOfRun &&
-           ((exit->status == 3 && run.job.watch.begun.empty()) ||
-            (exit->status >= 4 && exit->status <= 6 && run.job.watch.failedItself));
+    const std::optional<int>& status = run.end.status;
+    return !run.job.helper && ((status == 3 && run.job.watch.begun.empty()) ||
+                               (status >= 4 && status <= 6 && run.job.watch.failedItself));
 }
 
 /// After all that it should touch.
 bool EndsBadly(const Run& run) {
-    const auto* exit = std::get_if<ExitStatus>(&run.end);
-    const bool isFine =
-        exit != nullptr && (exit->status == 0 || (exit->status >= 7 && exit->status <= 10));
+    const std::optional<int>& status = run.end.status;
+    const bool isFine = status == 0 || (status >= 7 && status <= 10);
     return run.job.watch.finished && !isFine;
 }
 
@@ -101,17 +98,17 @@ void Session::Fill(const Next& next) {
 }
 
 void Session::Start(Job job) {
-    RunFacts& facts = result.runs.emplace_back();
-    facts.arguments = job.arguments;
+    RunFacts facts{.arguments = job.arguments, .end = {}, .seconds = 0};
     if (job.helper) {
         facts.arguments.insert(facts.arguments.begin(), HELPER);
     }
     try {
-        active.push_back(std::make_unique<Run>(options, listener, result.runs.size() - 1,
-                                               environment, std::move(job)));
+        active.push_back(std::make_unique<Run>(options, listener, result.runs.size(), environment,
+                                               std::move(job)));
     } catch (const std::system_error& error) {
         throw CheckFailure(error.what());
     }
+    result.runs.push_back(std::move(facts));
 }
 
 void Session::Await() {

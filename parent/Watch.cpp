@@ -31,13 +31,13 @@ std::string FirstLine(std::string text) {
 }  // namespace
 
 Attempt FromEnd(const RunEnd& end) {
-    if (const auto* killed = std::get_if<KilledBy>(&end)) {
-        return {Verdict::Crashed, killed->signal, {}, 0};
+    if (end.signal) {
+        return {Verdict::Crashed, *end.signal, {}, 0};
     }
-    if (const auto* late = std::get_if<OverDeadline>(&end)) {
-        return {Verdict::Hung, std::to_string(std::llround(late->seconds)), {}, 0};
+    if (end.deadline) {
+        return {Verdict::Hung, std::to_string(std::llround(*end.deadline)), {}, 0};
     }
-    return {Verdict::Ended, std::to_string(std::get<ExitStatus>(end).status), {}, 0};
+    return {Verdict::Ended, std::to_string(end.status.value()), {}, 0};
 }
 
 Attempt ClosedError() {

@@ -34,9 +34,9 @@ Report MakeReport() {
     report.items[1].text = report.items[1].reason = NASTY;
     report.items[1].repro = {"/app/Assayer", NASTY};
     report.items[1].company = {"spoiler"};
-    report.runs = {{{"plugins", NASTY}, Parent::KilledBy{"SIGSEGV"}, 1},
-                   {{}, Parent::ExitStatus{7}, 2},
-                   {{}, Parent::OverDeadline{20}, 3}};
+    report.runs = {{{"plugins", NASTY}, {.signal = "SIGSEGV"}, 1},
+                   {{}, {.status = 7}, 2},
+                   {{}, {.deadline = 20}, 3}};
     return report;
 }
 

@@ -15,7 +15,7 @@ std::string Follow(ItemKind kind, const Names& expected, const std::vector<Recor
     for (const Record& record : records) {
         watch.Take(record, Clock::now());
     }
-    watch.End(FromEnd(KilledBy{"SIGSEGV"}), Clock::now());
+    watch.End(FromEnd({.signal = "SIGSEGV"}), Clock::now());
     std::string found;
     for (const auto& [name, attempt] : watch.attempts) {
         found += name + "=" + std::string(ToString(attempt.verdict)) + "(" + attempt.reason + ") ";
