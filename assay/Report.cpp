@@ -31,14 +31,18 @@ namespace Tarnex::Parent {
 
 using Assay::Json;
 
-constexpr std::array KINDS{"plugin", "codec"};
+constexpr std::array<std::string_view, 2> KINDS{"plugin", "codec"};
 
 void to_json(Json& to, ItemKind kind) {
     to = KINDS.at(static_cast<std::size_t>(kind));
 }
 
 void from_json(const Json& from, ItemKind& kind) {
-    kind = from.get<std::string>() == KINDS.front() ? ItemKind::Plugin : ItemKind::Codec;
+    const auto found = std::ranges::find(KINDS, from.get<std::string>());
+    if (found == KINDS.end()) {
+        throw Exception("there is no kind " + from.dump());
+    }
+    kind = static_cast<ItemKind>(found - KINDS.begin());
 }
 
 void to_json(Json& to, Verdict verdict) {

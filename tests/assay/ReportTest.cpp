@@ -72,6 +72,7 @@ TEST(ReportTest, AReportThatIsNoneIsRefusedWithTheReason) {
     EXPECT_THAT(change("/schema", 2), testing::HasSubstr("schema 2"));
     EXPECT_THAT(change("/items/1/verdict", "odd"),
                 testing::HasSubstr("item 1: there is no verdict \"odd\""));
+    EXPECT_THAT(change("/items/0/kind", "odd"), testing::HasSubstr("item 0: there is no kind"));
     EXPECT_THAT(change("/items/0", Json::object()), testing::HasSubstr("item 0: "));
     EXPECT_THAT(change("/items/0/repro", 5), testing::HasSubstr("item 0: "));
     EXPECT_THAT(change("/items", Json::object()), testing::Ne("taken"));

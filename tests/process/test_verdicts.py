@@ -86,6 +86,15 @@ def test_what_spoils_the_start_of_the_core_is_found(check, installation):
     assert report["verdicts"][f"Encoder.{IMPL}.CODEC_ID_GOOD_1"] == "good"
 
 
+def test_a_decoder_names_the_encoder_that_should_make_its_input(check, installation):
+    installation.add_fixture("BadCodecs")
+    items = check("codecs", codecs=["DECODER_AND_ENCODER_SEGFAULT", "DECODER_SEGFAULT"])["items"]
+    found = {item["name"]: item["input"] for item in items if item["verdict"] == "crashed"}
+    encoder = f"Encoder.{IMPL}.CODEC_ID_DECODER_AND_ENCODER_SEGFAULT"
+    assert found == {encoder: "", encoder.replace("Encoder.", "Decoder."): encoder,
+                     f"Decoder.{IMPL}.CODEC_ID_DECODER_SEGFAULT": ""}  # fmt: skip
+
+
 def test_both_parents_find_the_same(check, installation, tmp_path):
     installation.add_fixture("BadCodecs")
     codecs = ["GOOD_1", *REPORTED_CODECS, *ENDING_CODECS]

@@ -133,7 +133,7 @@ class BadCodecs : public Tarnex::Module::ICodecModule {
     }
 
     std::vector<std::string> GetCodecs(CoderType type) override {
-        std::vector<std::string> ids;
+        std::vector<std::string> ids{"CODEC_ID_DECODER_AND_ENCODER_SEGFAULT"};
         for (const std::string& behaviour : GetBehaviours()) {
             ids.push_back("CODEC_ID_DECODER_" + behaviour);
             if (type == CoderType::Encoder) {
