@@ -9,6 +9,27 @@
 #include "core/media/Factories.h"
 
 namespace Tarnex::Core {
+namespace {
+
+namespace fs = boost::filesystem;
+
+constexpr int MAX_LINKS = 40;  // as many as Linux follows in one path
+
+/// Only the links of the file itself: to look at each folder above it as well would take longer
+/// than all else that is done for a module beside its load.
+std::string FollowLinks(fs::path file) {
+    boost::system::error_code noLink;
+    for (int i = 0; i < MAX_LINKS; ++i) {
+        const fs::path target = fs::read_symlink(file, noLink);
+        if (noLink) {
+            break;
+        }
+        file = fs::absolute(target, file.parent_path());
+    }
+    return file.string();
+}
+
+}  // namespace
 
 void ModuleFile::Refuse(const std::string& reason) const {
     throw Proc::CodecFactoryErrorException(
@@ -16,16 +37,8 @@ void ModuleFile::Refuse(const std::string& reason) const {
 }
 
 ModuleFile SharedLibrary::FindFile(const std::string& plugin) {
-    const std::string file =
-        (AppLocations::GetLocations().GetApplicationDirectory() / GetPlatformModuleName(plugin))
-            .utf8string();
-    boost::system::error_code error;
-    // With an explicit base, because a module may have removed the working directory.
-    const auto resolved = boost::filesystem::canonical(file, "/", error);
-    if (error) {
-        ModuleFile{plugin, file}.Refuse(error.message());
-    }
-    return {plugin, resolved.string()};
+    const ioPath directory = AppLocations::GetLocations().GetApplicationDirectory();
+    return {plugin, FollowLinks((directory / GetPlatformModuleName(plugin)).utf8string())};
 }
 
 SharedLibrary::SharedLibrary(const ModuleFile& file)

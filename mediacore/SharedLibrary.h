@@ -7,7 +7,8 @@ namespace Tarnex::Core {
 /// A plugin and the file of its module.
 struct ModuleFile {
     std::string plugin;
-    std::string path;  ///< links resolved, so that the module finds the files beside it
+    /// Where a link with the module's name leads, so that the module finds the files beside it.
+    std::string path;
 
     /// Throws `Proc::CodecFactoryErrorException` with the plugin, the file and the reason.
     [[noreturn]] void Refuse(const std::string& reason) const;
@@ -17,7 +18,7 @@ struct ModuleFile {
 /// process ends. Copies refer to the same library.
 class SharedLibrary {
 public:
-    /// Throws `Proc::CodecFactoryErrorException` if there is no such file.
+    /// Whether there is such a file shows when it is opened.
     static ModuleFile FindFile(const std::string& plugin);
 
     /// Throws `Proc::CodecFactoryErrorException` with the dynamic loader's message.
