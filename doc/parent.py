@@ -131,20 +131,21 @@ class Parent:
     def check_plugins(self):
         after = "-"
         while True:
-            result = self.run("plugins", disabled=self.bad, plugins=self.bad, after=after)
-            self.bad += [name for name in result.all("PLUGINS") if name not in self.bad]
+            result = self.run("plugins", disabled=self.bad, plugins=self.bad + self.unsteady, after=after)
+            known = self.bad + self.unsteady
+            self.bad += [name for name in result.all("PLUGINS") if name not in known]
             if result.all("LOADED_PLUGINS"):
                 return
             self.require_progress(result, result.all("LOAD_PLUGIN_NAME"))
             after = result.last("LOAD_PLUGIN_NAME")
-            self.try_plugin_alone(after)
+            if after not in self.bad:
+                self.try_plugin_alone(after)
 
     def try_plugin_alone(self, plugin):
         others = [name for name in ["OglManager", *self.listed()] if name != plugin]
         alone = self.run("plugins", plugins=others)
         is_bad = not alone.all("LOADED_PLUGINS") or plugin in alone.all("PLUGINS")
-        verdicts = self.bad if is_bad else self.unsteady
-        verdicts += [plugin] if plugin not in verdicts else []
+        (self.bad if is_bad else self.unsteady).append(plugin)
 
     def check_codecs(self, codecs):
         while True:

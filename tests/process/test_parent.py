@@ -48,6 +48,13 @@ def test_core_start_that_ends_the_process_costs_one_module(installation, parent)
     assert parent.bad == ["segfault.1"] and parent.broken == [] and len(parent.passed) == 2
 
 
+@not_sanitized
+def test_who_is_bad_in_company_only_is_met_once(installation, parent):
+    installation.add("spoils.1", "crashes-if-spoiled.1", "good.1", "spoils.1", "crashes-if-spoiled.1")
+    parent.check_plugins()
+    assert (parent.bad, parent.unsteady, len(parent.runs)) == ([], ["crashes-if-spoiled.1"], 3)
+
+
 def test_records_survive_cuts_and_noise():
     text = (
         "noiseE1 1 a.cpp:1] [ERROR]cut at the limi\nE1 1 a.cpp:1] [CODECS]a.b.c[/CODECS]\nnoise"
