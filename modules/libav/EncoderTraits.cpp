@@ -65,7 +65,11 @@ constexpr EncoderTraits TRAITS[] = {
     {.name = "av1_nvenc", .fastest = NVENC_FASTEST},
     {.name = "avui", .width = 720, .height = 576},
     {.name = "bitpacked", .complete = CompleteBitpacked},
-    {.name = "cinepak", .fastest = "max_extra_cb_iterations=0 min_strips=32 max_strips=32"},
+    // The size of its files: a large picture takes as long as all other encoders together.
+    {.name = "cinepak",
+     .fastest = "max_extra_cb_iterations=0 min_strips=32 max_strips=32",
+     .width = 320,
+     .height = 240},
     {.name = "dnxhd", .options = "b=120M", .pixelFormat = AV_PIX_FMT_YUV422P},
     {.name = "ffv1", .fastest = "level=4"},  // a packet takes 25 MB instead of 300 MB
     {.name = "fits", .pixelFormat = AV_PIX_FMT_GRAY8, .packetPrefix = PrefixFits},
