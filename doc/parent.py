@@ -57,7 +57,7 @@ class Run:
         """Assayer, not a module, ended the run: another one would give the same."""
         if self.status == 3:
             return not self.all("LOAD_PLUGIN_NAME") and not self.all("TEST_CODEC")
-        tags = [tag for tag, _ in self.records]
+        tags = [tag for tag, _ in self.records if tag != "WARNING"]
         closed = tags[-2:-1] in ([], ["LOADED_PLUGINS"], ["TESTED_CODECS"], ["CODECS"])
         return self.status in (4, 5, 6) and tags[-1:] == ["ERROR"] and closed
 
@@ -129,17 +129,17 @@ class Parent:
                 if name.strip()]  # fmt: skip
 
     def check_plugins(self):
-        after = "-"
+        last = "-"
         while True:
-            result = self.run("plugins", disabled=self.bad, plugins=self.bad + self.unsteady, after=after)
+            result = self.run("plugins", plugins=self.bad + self.unsteady, after=last)
             known = self.bad + self.unsteady
             self.bad += [name for name in result.all("PLUGINS") if name not in known]
             if result.all("LOADED_PLUGINS"):
                 return
             self.require_progress(result, result.all("LOAD_PLUGIN_NAME"))
-            after = result.last("LOAD_PLUGIN_NAME")
-            if after not in self.bad:
-                self.try_plugin_alone(after)
+            last = result.last("LOAD_PLUGIN_NAME")
+            if last not in self.bad:
+                self.try_plugin_alone(last)
 
     def try_plugin_alone(self, plugin):
         others = [name for name in ["OglManager", *self.listed()] if name != plugin]
@@ -174,7 +174,8 @@ class Parent:
 
     def get_core_up(self, codecs):
         """Finds the one module without which the media core starts."""
-        for without in [name for name in self.listed(STARTED_BY_THE_CORE) if name not in self.bad]:
+        started = [name for name in self.listed(STARTED_BY_THE_CORE) if name not in self.bad]
+        for without in sorted(started, key=lambda name: name not in self.unsteady):
             trial = self.run("codecs", self.implementations, codecs, [*self.bad, without])
             if trial.all("TEST_CODEC") or trial.all("TESTED_CODECS"):
                 self.bad.append(without)

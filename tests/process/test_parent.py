@@ -70,6 +70,7 @@ def test_records_survive_cuts_and_noise():
 def test_a_module_cannot_pose_as_a_failure_of_the_run():
     for status, tags, itself in [
         (4, "ERROR", True),
+        (4, "WARNING ERROR", True),
         (5, "LOAD_PLUGIN_NAME LOADED_PLUGINS ERROR", True),
         (5, "LOAD_PLUGIN_NAME PLUGINS ERROR", False),
         (5, "TEST_CODEC ERROR", False),
