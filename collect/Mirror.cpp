@@ -5,6 +5,7 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "core/media/PluginFactories.h"
 #include "core/support/Exception.h"
@@ -17,6 +18,7 @@ namespace {
 namespace fs = boost::filesystem;
 using Core::Utils::PluginLists;
 
+constexpr const char* RESOURCES = "resources";
 constexpr const char* SOURCE_FILE = ".copied-from";
 
 bool IsProgram(const fs::path& name) {
@@ -39,10 +41,11 @@ public:
             const fs::path name = entry.path().filename();
             if (IsProgram(name)) {
                 Copy(entry.path(), directory / name);
-            } else if (name == "resources" || name.extension() == ".so") {
+            } else if (name.extension() == ".so") {
                 Link(entry.path(), directory / name);
             }
         }
+        LinkResources();
         UpdateList();
         RemoveStale();
         return changed;
@@ -83,13 +86,36 @@ private:
         }
     }
 
+    /// In folders of its own, so that people can put samples beside those of the source.
+    void LinkResources() {
+        if (fs::is_symlink(directory / RESOURCES)) {
+            fs::remove(directory / RESOURCES);
+        }
+        if (!fs::exists(source / RESOURCES)) {
+            return;
+        }
+        fs::create_directories(directory / RESOURCES);
+        for (const fs::directory_entry& entry :
+             fs::recursive_directory_iterator(source / RESOURCES)) {
+            const fs::path path = directory / fs::relative(entry.path(), source);
+            if (fs::is_directory(entry.path())) {
+                fs::create_directories(path);
+            } else {
+                Link(entry.path(), path);
+            }
+        }
+    }
+
     void Install(const fs::path& fresh, const fs::path& path) {
         fs::rename(fresh, path);
         changed = true;
     }
 
     bool IsLinkToSource(const fs::path& path) const {
-        return fs::is_symlink(path) && sources.contains(fs::read_symlink(path).parent_path());
+        const auto leadsTo = [&](const fs::path& target) {
+            return fs::read_symlink(path) == target / path.lexically_relative(directory);
+        };
+        return fs::is_symlink(path) && std::ranges::any_of(sources, leadsTo);
     }
 
     /// Collected, or put here by hand.
@@ -126,12 +152,16 @@ private:
     }
 
     void RemoveStale() {
-        for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
-            const fs::path name = entry.path().filename();
+        std::vector<fs::path> stale;
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
+            const fs::path name = entry.path().lexically_relative(directory);
             if ((IsProgram(name) || IsLinkToSource(entry.path())) && !fs::exists(source / name)) {
-                fs::remove(entry.path());
-                changed = true;
+                stale.push_back(entry.path());
             }
+        }
+        for (const fs::path& path : stale) {
+            fs::remove(path);
+            changed = true;
         }
     }
 

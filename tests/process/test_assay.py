@@ -154,6 +154,10 @@ def test_collect_makes_and_renews_an_installation_of_ones_own(assay, home, tmp_p
     assert "your own is a copy" in Assay(home).run("plugins", "--plugin", "FfmpegMuxers")
 
     (own / "Mine.so").symlink_to(APP / "FfmpegParsers.so")
+    samples = own / "resources/codecSamples"
+    (samples / "CODEC_ID_ANSI.ans").write_text("mine")
+    gone, *kept = sorted(path.name for path in (source / "resources/codecSamples").iterdir())
+    (source / "resources/codecSamples" / gone).unlink()
     lists = (own / "plugins.list").read_text()
     (own / "plugins.list").write_text(lists.replace("ParserFactory:", "ParserFactory: Mine,"))
     os.utime(source / "Assayer")
@@ -164,6 +168,8 @@ def test_collect_makes_and_renews_an_installation_of_ones_own(assay, home, tmp_p
     assert "copied" in assay.run("plugins", "--plugin", "Mine")
     assert int((own / "Assayer").stat().st_mtime) == int((source / "Assayer").stat().st_mtime)
     assert not (own / "NvdecCodecs.so").is_symlink() and "Nvdec" not in (own / "plugins.list").read_text()
+    assert sorted(path.name for path in samples.iterdir()) == sorted([*kept, "CODEC_ID_ANSI.ans"])
+    assert sorted(path.name for path in (source / "resources/codecSamples").iterdir()) == kept
 
     (home / "full").mkdir()
     (home / "full/letter").write_text("mine")
