@@ -75,6 +75,9 @@ void Judge(Item& item, const Attempt& seen, const Attempt& alone) {
 }
 
 bool Watch::Take(const Record& record, Clock::time_point now) {
+    if (record.tag == WARNING_TAG) {
+        return false;
+    }
     const bool isPlugin = kind == ItemKind::Plugin;
     const std::string_view before = std::exchange(lastTag, record.tag);
     failedItself = record.tag == ERROR_TAG && (before.empty() || before == LOADED_PLUGINS_TAG ||

@@ -64,6 +64,24 @@ TEST(Watch, BelievesOfPluginsWhatCanBeTrue) {
     }
 }
 
+TEST(Watch, KnowsAFailureOfTheRun) {
+    const Record error{ERROR_TAG, "text"};
+    const struct {
+        bool itself;
+        std::vector<Record> records;
+    } rows[] = {{true, {error}},
+                {true, {{WARNING_TAG, "Can't find plugin a"}, error}},
+                {false, {Load("a"), error}},
+                {true, {Load("a"), LOADED, error}}};
+    for (const auto& [itself, records] : rows) {
+        Watch watch(ItemKind::Plugin, {"a"});
+        for (const Record& record : records) {
+            watch.Take(record, Clock::now());
+        }
+        EXPECT_EQ(watch.failedItself, itself);
+    }
+}
+
 TEST(Watch, KnowsATestWithoutMaterial) {
     const auto test = [](const char* name, const char* text) {
         const Names expected{name};
