@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <random>
 
 #include "core/media/CodecFactory.h"
 #include "core/media/Formats.h"
@@ -8,10 +9,13 @@
 namespace Tarnex::Parent {
 namespace {
 
-/// A start costs a tenth of its run at most.
+/// A start costs a tenth of its run at most, but for the last runs, which share what is left.
 constexpr double WORK_PER_START = 10;
 /// Codec ids, until it is known what a start and a test take here.
-constexpr std::size_t FIRST_BATCHES = 8;
+constexpr double FIRST_BATCHES = 8;
+/// The first batches hold two thirds of all ids: each run takes memory of its own into use, and the
+/// more runs there are, the longer that takes in all.
+constexpr double FINENESS = 1.5;
 
 bool IsDecoder(const Item& item) {
     return item.coder == "Decoder";
@@ -36,6 +40,8 @@ public:
                 ids.push_back(item.codec);
             }
         }
+        // Neighbours in the alphabet cost alike; batches should. The same order in every check.
+        std::shuffle(ids.begin(), ids.end(), std::minstd_rand());
     }
 
     void Check() {
@@ -74,12 +80,13 @@ private:
 
     /// Large ones first, smaller towards the end, so that all runs end at about the same time.
     std::size_t BatchSize() const {
-        const std::size_t jobs = session.options.jobs;
-        const std::size_t share = jobs == 1 ? ids.size() : ids.size() / (3 * jobs);
-        const double worthwhile = secondsOfId > 0 ? WORK_PER_START * startSeconds / secondsOfId
-                                                  : static_cast<double>(FIRST_BATCHES);
-        const double least = std::min(std::ceil(worthwhile), static_cast<double>(ids.size()));
-        return std::max({share, static_cast<std::size_t>(least), std::size_t{1}});
+        const double left = static_cast<double>(ids.size());
+        const double jobs = session.options.jobs;
+        const double worthwhile =
+            secondsOfId > 0 ? WORK_PER_START * startSeconds / secondsOfId : FIRST_BATCHES;
+        const double share = jobs == 1 ? left : left / (FINENESS * jobs);
+        return static_cast<std::size_t>(
+            std::ceil(std::max(share, std::min(worthwhile, left / jobs))));
     }
 
     /// A run that tests these and nothing else. The list of tests to leave out begins with a comma:
