@@ -6,8 +6,10 @@
 #include "core/media/Frames.h"
 #include "modules/libav/CodecTable.h"
 #include "modules/libav/EncoderTraits.h"
+#include "modules/libav/Parameters.h"
 #include "streams/FakeStreamAudio.h"
 #include "streams/FakeStreamVideo.h"
+#include "streams/TestColorSpace.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
@@ -71,6 +73,7 @@ void ConfigurePicture(AVCodecContext& coder, const EncoderTraits& traits, const 
                             : avcodec_find_best_pix_fmt_of_list(coder.codec->pix_fmts,
                                                                 AV_PIX_FMT_YUV420P, 0, nullptr);
     }
+    Libav::SetColors(coder, Core::Utils::TEST_COLOR_SPACE);
 }
 
 void ConfigureSound(AVCodecContext& coder, const EncoderTraits& traits) {

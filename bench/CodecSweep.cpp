@@ -30,6 +30,9 @@
 namespace Tarnex::Bench {
 namespace {
 
+constexpr double MAX_RATIO = 1.05;        // of processor time, to libavcodec alone
+constexpr long MAX_PEAK_MEGABYTES = 420;  // on one thread
+
 using Ids = std::vector<std::string>;
 using Seconds = std::vector<double>;
 
@@ -199,7 +202,8 @@ void PrintQuotient(const char* text, const Series& above, const Series& below) {
                Median(above.processor) / Median(below.processor));
 }
 
-void CompareWithLibrary(const Ids& ids, std::size_t rounds) {
+/// Gives the processor time as a multiple of the library's.
+double CompareWithLibrary(const Ids& ids, std::size_t rounds) {
     Times times;
     Series one;
     Series two;
@@ -216,6 +220,7 @@ void CompareWithLibrary(const Ids& ids, std::size_t rounds) {
     PrintQuotient("ours / libavcodec alone", one, bare);
     PrintQuotient("one thread / two", one, two);
     PrintSlowest(times);
+    return Median(one.processor) / Median(bare.processor);
 }
 
 void CompareWithCommand(const Ids& all, std::size_t rounds,
@@ -240,20 +245,24 @@ void CompareWithCommand(const Ids& all, std::size_t rounds,
     PrintQuotient("ffmpeg / ours on two threads", command, two);
 }
 
-void MeasureMemory(const Ids& ids) {
+/// Gives the peak so far.
+long MeasureMemory(const Ids& ids) {
     const long peak = PeakMegabytes();
     for (int sweep = 0; sweep < 20; ++sweep) {
         Sweep(ids, 1, EncodeOurs);
     }
     fmt::print("peak memory {} MB, after 20 more sweeps {} MB\n", peak, PeakMegabytes());
+    return peak;
 }
 
-void Run(std::size_t rounds, const std::filesystem::path& directory) {
+/// False if a figure exceeds its limit.
+bool Run(std::size_t rounds, const std::filesystem::path& directory) {
     const Ids ids = Factory()->GetEncoderCodecs(Proc::ImplNames::FFMPEG);
     Sweep(ids, 1, EncodeOurs);  // fills the tables that libav computes once
-    CompareWithLibrary(ids, rounds);
-    MeasureMemory(ids);
+    const double ratio = CompareWithLibrary(ids, rounds);
+    const long peak = MeasureMemory(ids);
     CompareWithCommand(ids, rounds, directory);
+    return ratio <= MAX_RATIO && peak <= MAX_PEAK_MEGABYTES;
 }
 
 }  // namespace
@@ -266,8 +275,10 @@ int main(int argc, char** argv) {
     core.WaitUntilInitialized();
     int status = 0;
     try {
-        Tarnex::Bench::Run(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 5,
-                           argc > 2 ? argv[2] : std::filesystem::temp_directory_path());
+        const bool isGood =
+            Tarnex::Bench::Run(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 5,
+                               argc > 2 ? argv[2] : std::filesystem::temp_directory_path());
+        status = isGood ? 0 : 1;
     } catch (const std::exception& error) {
         fmt::print("codec_sweep: {}\n", error.what());
         status = 1;

@@ -132,4 +132,11 @@ Handle<AVPacket> ToAvPacket(const Proc::IPacket& packet, AVRational timeBase) {
     return copy;
 }
 
+void SetColors(AVCodecContext& encoder, const Proc::ColorSpace& space) {
+    const bool isRgb = (av_pix_fmt_desc_get(encoder.pix_fmt)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+    encoder.color_primaries = static_cast<AVColorPrimaries>(space.primaries);
+    encoder.color_trc = static_cast<AVColorTransferCharacteristic>(space.transfer);
+    encoder.colorspace = isRgb ? AVCOL_SPC_RGB : static_cast<AVColorSpace>(space.matrix);
+}
+
 }  // namespace Tarnex::Libav

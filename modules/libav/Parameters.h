@@ -29,4 +29,7 @@ void SetExtraData(AVCodecParameters& parameters, const std::uint8_t* data, std::
 /// Converts to units of `timeBase`. Shares the data of one of our own packets; copies any other.
 [[nodiscard]] Handle<AVPacket> ToAvPacket(const Proc::IPacket& packet, AVRational timeBase);
 
+/// Describes the colours of an encoder's input. Its pixel format has to be set before.
+void SetColors(AVCodecContext& encoder, const Proc::ColorSpace& space);
+
 }  // namespace Tarnex::Libav

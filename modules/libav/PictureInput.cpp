@@ -3,6 +3,7 @@
 #include "modules/common/CoderLimits.h"
 #include "modules/libav/Conversion.h"
 #include "modules/libav/EncoderInput.h"
+#include "modules/libav/Parameters.h"
 
 namespace Tarnex::Libav {
 namespace {
@@ -12,13 +13,6 @@ AVPixelFormat ChoosePixelFormat(const AVCodec& encoder, Proc::PixFmt source) {
     return encoder.pix_fmts == nullptr
                ? given
                : avcodec_find_best_pix_fmt_of_list(encoder.pix_fmts, given, 0, nullptr);
-}
-
-void SetColors(AVCodecContext& encoder, const Proc::ColorSpace& space) {
-    const bool isRgb = (av_pix_fmt_desc_get(encoder.pix_fmt)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
-    encoder.color_primaries = static_cast<AVColorPrimaries>(space.primaries);
-    encoder.color_trc = static_cast<AVColorTransferCharacteristic>(space.transfer);
-    encoder.colorspace = isRgb ? AVCOL_SPC_RGB : static_cast<AVColorSpace>(space.matrix);
 }
 
 class PictureInput : public EncoderInput {
