@@ -5,7 +5,8 @@
 // the same settings; and the ffmpeg command, once for each codec it encodes, beside our coders for
 // the same codecs. The figures are ratios of medians. The end shows the slowest codecs, and the
 // memory before and after 20 more sweeps. DIRECTORY receives the raw material for the command. If
-// any encoder returns nothing, there are no figures and the exit status is 1.
+// any encoder returns nothing, there are no figures. The exit status is 1 then, and if a figure
+// exceeds its limit.
 #include <fmt/format.h>
 #include <sys/resource.h>
 
