@@ -75,7 +75,8 @@ std::vector<char*> Pointers(const std::vector<std::string>& texts) {
 struct ProcessState {
     explicit ProcessState(const std::string& pid) {
         std::ifstream file("/proc/" + pid + "/stat");
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        std::string text;
+        std::getline(file, text, '\0');  // No exception if the process has just gone.
         const std::size_t nameEnd = text.rfind(')');
         if (nameEnd != std::string::npos) {
             std::sscanf(text.c_str() + nameEnd, ") %*c %d %*d %*d %*d %*d %u", &parent, &flags);
