@@ -97,7 +97,7 @@ private:
         fs::create_directories(directory / RESOURCES);
         for (const fs::directory_entry& entry :
              fs::recursive_directory_iterator(source / RESOURCES)) {
-            const fs::path path = directory / fs::relative(entry.path(), source);
+            const fs::path path = directory / entry.path().lexically_relative(source);
             if (fs::is_directory(entry.path())) {
                 fs::create_directories(path);
             } else {
@@ -112,10 +112,13 @@ private:
     }
 
     bool IsLinkToSource(const fs::path& path) const {
-        const auto leadsTo = [&](const fs::path& target) {
-            return fs::read_symlink(path) == target / path.lexically_relative(directory);
-        };
-        return fs::is_symlink(path) && std::ranges::any_of(sources, leadsTo);
+        if (!fs::is_symlink(path)) {
+            return false;
+        }
+        const fs::path target = fs::read_symlink(path);
+        const fs::path name = path.lexically_relative(directory);
+        return std::ranges::any_of(sources,
+                                   [&](const fs::path& from) { return target == from / name; });
     }
 
     /// Collected, or put here by hand.
