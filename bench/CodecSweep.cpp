@@ -31,8 +31,8 @@
 namespace Tarnex::Bench {
 namespace {
 
-constexpr double MAX_RATIO = 1.05;        // of processor time, to libavcodec alone
-constexpr long MAX_PEAK_MEGABYTES = 420;  // on one thread
+constexpr double MAX_RATIO = 1.05;  // of processor time, to libavcodec alone
+constexpr long MAX_PEAK_MEGABYTES = 420;
 
 using Ids = std::vector<std::string>;
 using Seconds = std::vector<double>;

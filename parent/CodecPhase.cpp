@@ -13,8 +13,8 @@ namespace {
 constexpr double WORK_PER_START = 10;
 /// Codec ids, until it is known what a start and a test take here.
 constexpr double FIRST_BATCHES = 8;
-/// The first batches hold two thirds of all ids: each run takes memory of its own into use, and the
-/// more runs there are, the longer that takes in all.
+/// The first batches, one for each job, hold about half of all ids. More batches would take longer
+/// in all, because each run takes memory of its own into use.
 constexpr double FINENESS = 1.5;
 
 bool IsDecoder(const Item& item) {
