@@ -6,21 +6,22 @@
 namespace Tarnex::Core {
 namespace {
 
-void LoadOrRefuse(const ModuleFile& file, const LoadOnce::Load& load) {
+/// Returns the refusal of the file, or null. Throws it if the load threw something else.
+std::exception_ptr LoadOrRefuse(const ModuleFile& file, const LoadOnce::Load& load) {
     try {
         load();
+        return nullptr;
     } catch (const Proc::CodecFactoryErrorException&) {
-        throw;
+        return std::current_exception();
     } catch (...) {
         file.Refuse("threw\n" + Utils::GetCurrentExceptionText());
     }
 }
 
-/// Null if nothing was thrown, or if code in another language threw it.
+/// Null if nothing was thrown.
 std::exception_ptr GetFailure(const ModuleFile& file, const LoadOnce::Load& load) {
     try {
-        LoadOrRefuse(file, load);
-        return nullptr;
+        return LoadOrRefuse(file, load);
     } catch (...) {
         return std::current_exception();
     }
@@ -28,12 +29,12 @@ std::exception_ptr GetFailure(const ModuleFile& file, const LoadOnce::Load& load
 
 [[noreturn]] void Repeat(const std::exception_ptr& failure, const ModuleFile& file,
                          const std::string& firstPlugin) {
+    if (file.plugin == firstPlugin) {
+        std::rethrow_exception(failure);
+    }
     try {
         std::rethrow_exception(failure);
     } catch (const Proc::CodecFactoryErrorException& first) {
-        if (file.plugin == firstPlugin) {
-            throw;
-        }
         file.Refuse(std::string("failed before. ") + first.what());
     }
 }
@@ -45,12 +46,14 @@ void LoadOnce::operator()(const ModuleFile& file, const Load& load) {
     if (outcome.loader == std::this_thread::get_id()) {
         file.Refuse("loads itself while it is being loaded");
     }
-    std::call_once(outcome.once, [&] {
+    const Lock lock(outcome.mutex);
+    if (!outcome.isKnown) {
         outcome.plugin = file.plugin;
         outcome.loader = std::this_thread::get_id();
         outcome.failure = GetFailure(file, load);
         outcome.loader = std::thread::id();
-    });
+        outcome.isKnown = true;
+    }
     if (outcome.failure) {
         Repeat(outcome.failure, file, outcome.plugin);
     }

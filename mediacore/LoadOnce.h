@@ -3,10 +3,9 @@
 #include <atomic>
 #include <exception>
 #include <functional>
-#include <map>
-#include <mutex>
 #include <string>
 #include <thread>
+#include <unordered_map>
 
 #include "core/support/Mutex.h"
 #include "mediacore/SharedLibrary.h"
@@ -27,16 +26,17 @@ public:
 
 private:
     struct Outcome {
-        std::once_flag once;
         std::atomic<std::thread::id> loader;  // while loading
-        std::string plugin;                   // the plugin that caused the load
-        std::exception_ptr failure;
+        Mutex mutex;
+        bool isKnown TARNEX_GUARDED_BY(mutex) = false;
+        std::string plugin TARNEX_GUARDED_BY(mutex);  // the plugin that caused the load
+        std::exception_ptr failure TARNEX_GUARDED_BY(mutex);
     };
 
     Outcome& GetOutcome(const std::string& path);
 
     Mutex mutex;
-    std::map<std::string, Outcome> outcomes TARNEX_GUARDED_BY(mutex);  // each stays where it is
+    std::unordered_map<std::string, Outcome> outcomes TARNEX_GUARDED_BY(mutex);  // none moves
 };
 
 }  // namespace Tarnex::Core
