@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "core/media/AppLocations.h"
 #include "core/media/Factories.h"
 #include "core/media/OglManager.h"
 
@@ -45,6 +48,19 @@ TEST(Modules, EachStepOfALoadFailsWithItsOwnReason) {
         EXPECT_THAT(failure, testing::HasSubstr(each.plugin));
         EXPECT_EQ(failure, LoadFailure(each.load, each.plugin)) << "at the second load";
     }
+}
+
+TEST(Modules, ASecondNameOfAModuleThatFailedTellsTheFirst) {
+    namespace fs = std::filesystem;
+    const ioPath directory = Core::AppLocations::GetLocations().GetApplicationDirectory();
+    const fs::path link = (directory / "OtherName.so").utf8string();
+    fs::remove(link);
+    fs::create_symlink("NegativeEffect.so", link);
+    const std::string first = LoadFailure(EffectFactory::TryToLoadModule, "NegativeEffect");
+    const std::string second = LoadFailure(EffectFactory::TryToLoadModule, "OtherName");
+    EXPECT_THAT(second, testing::StartsWith("Plugin OtherName"));
+    EXPECT_THAT(second, testing::EndsWith("failed before. " + first));
+    fs::remove(link);
 }
 
 TEST(Modules, OnlyANegativeResultRefusesAnEffect) {
