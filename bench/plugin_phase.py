@@ -3,16 +3,21 @@
 Usage: plugin_phase.py APP_DIRECTORY BARE_LOOP [ROUNDS]
 
 Collects the machine's own modules into a copy of the installation directory. Measures processes that
-load them, in turn with processes that load only the program's own modules: Assayer, the bare loop, and
-the baseline, which is the bare loop with Assayer's libraries loaded first. Loaded libraries slow down
-the dynamic linker, whoever asks it to load a module: it searches all of them for each symbol, and their
-list for each library that the module needs.
+load them, in turn with processes that load only the program's own modules: Assayer without log files, as
+`assay` starts it, Assayer with them, the bare loop, and the baseline, which is the bare loop with
+Assayer's libraries loaded first. Loaded libraries slow down the dynamic linker, whoever asks it to load a
+module: it searches all of them for each symbol, and their list for each library that the module needs.
 
-The modules' cost is the median, over the rounds, of the difference with and without modules. The
-status is 1 if Assayer's wall time exceeds the limit, a multiple of the baseline's. The ratio may be
-below 1, because Assayer has already loaded other things that modules need."""
+The modules' cost is the difference with and without modules, and a ratio is that of two costs of the same
+round; both are given as medians. A ratio's range is where 95 of 100 medians of as many rounds, drawn from
+the measured ones, lie. A ratio may be below 1, because Assayer has already loaded other things that
+modules need.
+
+The status is 1 if Assayer's wall time without log files exceeds the limit, a multiple of the baseline's.
+These two get ROUNDS rounds, because single ones differ by a third; before that, all get a sixth as many."""
 
 import os
+import random
 import re
 import shutil
 import statistics
@@ -60,18 +65,21 @@ def find_libraries(program):
 
 
 def make_commands(app, folder, bare_loop):
-    """For each name the command with the modules, the command without them, and its variables."""
+    """How many modules there are, and for each name the command with them, the command without them and its
+    variables."""
     full, empty, nothing = (Path(folder, name) for name in ("full", "empty", "nothing"))
     nothing.mkdir()
     for copy, folders in ((full, []), (empty, [nothing])):
         shutil.copytree(app, copy, symlinks=True)
         subprocess.run([copy / "assay", "collect", "--into", copy, *folders], check=True, stdout=subprocess.DEVNULL)
     modules, own = read_modules(full), read_modules(empty)
+    assayers = [[copy / "Assayer", "plugins", "60"] for copy in (full, empty)]
     loops = [[bare_loop, *(word for module in some for word in module)] for some in (modules, own)]
     loaded = {"LD_PRELOAD": ":".join(find_libraries(app / "Assayer"))}
     return len(modules) - len(own), {
-        "Assayer": ([full / "Assayer", "plugins", "60"], [empty / "Assayer", "plugins", "60"], {}),
         "baseline": (*loops, loaded),
+        "Assayer": (*assayers, {}),
+        "Assayer with log files": (*assayers, {"LOCALAPPDATA": folder}),
         "bare loop": (*loops, {})}
 
 
@@ -92,38 +100,52 @@ def require_same_work(commands, environment, count):
     print(f"{count} modules and {own} of the program's own, {found['Assayer']} of them load")
 
 
+def measure_round(commands, environment):
+    """For each command what its modules cost. What is compared runs one right after the other, because the
+    machine's speed changes."""
+    samples = {name: [] for name in commands}
+    for column in (0, 1):
+        for name, command in commands.items():
+            samples[name].append(measure(command[column], {**environment, **command[2]}))
+    return {name: [with_modules - without for with_modules, without in zip(full, empty)]
+            for name, (full, empty) in samples.items()}
+
+
 def main(app, bare_loop, rounds):
-    times = {}
+    environment = {name: value for name, value in os.environ.items()
+                   if name != "LOCALAPPDATA" and not name.startswith("GLOG_")}
     with tempfile.TemporaryDirectory() as folder:
-        environment = {**os.environ, "LOCALAPPDATA": folder}
         count, commands = make_commands(app, folder, bare_loop)
         require_same_work(commands, environment, count)
-        for _ in range(rounds):
-            times.setdefault("refused", []).append(measure([app / "Assayer"], environment))
-            for name, (full, empty, variables) in commands.items():
-                for key, command in ((name, full), (f"{name}, no modules", empty)):
-                    times.setdefault(key, []).append(measure(command, {**environment, **variables}))
-    return 0 if report(times, rounds) <= LIMIT else 1
+        refused = statistics.median(measure([app / "Assayer"], environment)[0] for _ in range(21))
+        print(f"a run that refuses its arguments: {refused * 1000:.1f} ms")
+        report([measure_round(commands, environment) for _ in range(rounds // 6 + 1)])
+        pair = {name: commands[name] for name in ("baseline", "Assayer")}
+        costs = [measure_round(pair, environment) for _ in range(rounds)]
+        report(costs)
+        return 0 if statistics.median(get_ratios(costs, "Assayer", "baseline", 0)) <= LIMIT else 1
 
 
-def report(times, rounds):
-    """Prints the figures. Returns the wall time as a multiple of the baseline's."""
-    ratios = []
-    for column, kind in enumerate(("wall", "processor")):
-        def added(name):
-            return statistics.median(full[column] - empty[column]
-                                     for full, empty in zip(times[name], times[f"{name}, no modules"]))
+def report(costs):
+    print(f"medians of {len(costs)} rounds:")
+    for name in costs[0]:
+        for column, kind in enumerate(("wall", "processor")):
+            time = statistics.median(cost[name][column] for cost in costs)
+            print(f"  {name}: {time * 1000:.1f} ms of {kind} time" + "".join(
+                f", {describe_ratio(costs, name, other, column)} times the {other}'s"
+                for other in ("baseline", "bare loop") if other != name and other in costs[0]))
 
-        print(f"{kind} seconds, medians of {rounds} rounds: " + ", ".join(
-            f"{name} {statistics.median(sample[column] for sample in samples):.4f}"
-            for name, samples in times.items()))
-        ours, baseline, bare = (added(name) for name in ("Assayer", "baseline", "bare loop"))
-        ratios.append(ours / baseline)
-        print(f"{kind} seconds for the modules: {ours:.4f}; {ratios[-1]:.3f} times the baseline's "
-              f"{baseline:.4f}, {ours / bare:.3f} times the bare loop's {bare:.4f}")
-    return ratios[0]
+
+def get_ratios(costs, name, other, column):
+    return [cost[name][column] / cost[other][column] for cost in costs]
+
+
+def describe_ratio(costs, name, other, column):
+    ratios = get_ratios(costs, name, other, column)
+    medians = sorted(statistics.median(random.choices(ratios, k=len(ratios))) for _ in range(1000))
+    return f"{statistics.median(ratios):.3f} ({medians[25]:.2f} to {medians[974]:.2f})"
 
 
 if __name__ == "__main__":
     sys.exit(main(Path(sys.argv[1]), Path(sys.argv[2]).resolve(),
-                  int(sys.argv[3]) if len(sys.argv) > 3 else 41))
+                  int(sys.argv[3]) if len(sys.argv) > 3 else 401))
