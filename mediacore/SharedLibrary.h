@@ -7,8 +7,7 @@ namespace Tarnex::Core {
 /// A plugin and the file of its module.
 struct ModuleFile {
     std::string plugin;
-    /// Where a link with the module's name leads, so that the module finds the files beside it.
-    std::string path;
+    std::string path;  // see `FindModuleFile`
 
     /// Throws `Proc::CodecFactoryErrorException` with the plugin, the file and the reason.
     [[noreturn]] void Refuse(const std::string& reason) const;

@@ -49,11 +49,6 @@ Loader GetLoader(const std::string& factory) {
     return {};
 }
 
-bool HasModuleFile(const std::string& plugin) {
-    const ioPath directory = AppLocations::GetLocations().GetApplicationDirectory();
-    return (directory / GetPlatformModuleName(ioPath(plugin))).exists();
-}
-
 }  // namespace
 
 void PluginChecker::SetKnownBrokenPlugins(const std::vector<std::string>& plugins) {
@@ -109,7 +104,7 @@ std::vector<PluginChecker::PluginRecord> PluginChecker::SelectPluginsToCheck() c
     }
     std::vector<PluginRecord> selection;
     std::for_each(from, records.end(), [&](const PluginRecord& record) {
-        if (HasModuleFile(record.name)) {
+        if (FindModuleFile(record.name).exists()) {
             selection.push_back(record);
         } else {
             // Contract: parents match this text; keep it verbatim.
