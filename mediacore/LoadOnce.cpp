@@ -6,13 +6,11 @@
 namespace Tarnex::Core {
 namespace {
 
-/// Returns the refusal of the file, or null. Throws it if the load threw something else.
-std::exception_ptr LoadOrRefuse(const ModuleFile& file, const LoadOnce::Load& load) {
+void LoadOrRefuse(const ModuleFile& file, const LoadOnce::Load& load) {
     try {
         load();
-        return nullptr;
     } catch (const Proc::CodecFactoryErrorException&) {
-        return std::current_exception();
+        throw;
     } catch (...) {
         file.Refuse("threw\n" + Utils::GetCurrentExceptionText());
     }
@@ -21,7 +19,8 @@ std::exception_ptr LoadOrRefuse(const ModuleFile& file, const LoadOnce::Load& lo
 /// Null if nothing was thrown.
 std::exception_ptr GetFailure(const ModuleFile& file, const LoadOnce::Load& load) {
     try {
-        return LoadOrRefuse(file, load);
+        LoadOrRefuse(file, load);
+        return nullptr;
     } catch (...) {
         return std::current_exception();
     }
@@ -29,12 +28,12 @@ std::exception_ptr GetFailure(const ModuleFile& file, const LoadOnce::Load& load
 
 [[noreturn]] void Repeat(const std::exception_ptr& failure, const ModuleFile& file,
                          const std::string& firstPlugin) {
-    if (file.plugin == firstPlugin) {
-        std::rethrow_exception(failure);
-    }
     try {
         std::rethrow_exception(failure);
     } catch (const Proc::CodecFactoryErrorException& first) {
+        if (file.plugin == firstPlugin) {
+            throw;
+        }
         file.Refuse(std::string("failed before. ") + first.what());
     }
 }

@@ -36,7 +36,8 @@ private:
     Outcome& GetOutcome(const std::string& path);
 
     Mutex mutex;
-    std::unordered_map<std::string, Outcome> outcomes TARNEX_GUARDED_BY(mutex);  // none moves
+    // By file. Each outcome stays where it is.
+    std::unordered_map<std::string, Outcome> outcomes TARNEX_GUARDED_BY(mutex);
 };
 
 }  // namespace Tarnex::Core
