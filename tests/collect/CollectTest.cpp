@@ -113,7 +113,7 @@ TEST_F(CollectTest, OnlyPluginBinariesOfBundlesAreFound) {
               "<urn:c> a ui:X11UI ; l:binary <window.so> . <urn:d> ui:binary <old-window.so> .",
               {"plug in.so", "window.so", "old-window.so", "unnamed.so"});
     PutBundle("two", "<urn:a> l:binary <a.so> . <urn:b> l:binary <b.so> .", {"a.so", "b.so"});
-    PutBundle("specification.lv2", "<urn:a> a l:Specification .");
+    PutBundle("presets.lv2", "<urn:a> a <http://lv2plug.in/ns/ext/presets#Preset> .");
     PutBundle("behind-link.lv2", "<urn:a> l:binary <a.so> .", {"a.so"});
     fs::rename(folder / "behind-link.lv2", root / "linked.lv2");
     fs::create_symlink("../linked.lv2", folder / "link.lv2");
