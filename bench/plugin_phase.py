@@ -14,7 +14,8 @@ the measured ones, lie. A ratio may be below 1, because Assayer has already load
 modules need.
 
 The status is 1 if Assayer's wall time without log files exceeds the limit, a multiple of the baseline's.
-These two get ROUNDS rounds, because single ones differ by a third; before that, all get a sixth as many."""
+First all four get a sixth of ROUNDS, then these two get all of them, because single rounds differ by a
+third."""
 
 import os
 import random
@@ -103,12 +104,10 @@ def require_same_work(commands, environment, count):
 def measure_round(commands, environment):
     """For each command what its modules cost. What is compared runs one right after the other, because the
     machine's speed changes."""
-    samples = {name: [] for name in commands}
-    for column in (0, 1):
-        for name, command in commands.items():
-            samples[name].append(measure(command[column], {**environment, **command[2]}))
-    return {name: [with_modules - without for with_modules, without in zip(full, empty)]
-            for name, (full, empty) in samples.items()}
+    full, empty = ({name: measure(command[which], {**environment, **command[2]}) for name, command in commands.items()}
+                   for which in (0, 1))
+    return {name: [with_modules - without for with_modules, without in zip(full[name], empty[name])]
+            for name in commands}
 
 
 def main(app, bare_loop, rounds):
@@ -130,8 +129,8 @@ def report(costs):
     print(f"medians of {len(costs)} rounds:")
     for name in costs[0]:
         for column, kind in enumerate(("wall", "processor")):
-            time = statistics.median(cost[name][column] for cost in costs)
-            print(f"  {name}: {time * 1000:.1f} ms of {kind} time" + "".join(
+            seconds = statistics.median(cost[name][column] for cost in costs)
+            print(f"  {name}: {seconds * 1000:.1f} ms of {kind} time" + "".join(
                 f", {describe_ratio(costs, name, other, column)} times the {other}'s"
                 for other in ("baseline", "bare loop") if other != name and other in costs[0]))
 

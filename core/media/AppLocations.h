@@ -21,8 +21,9 @@ TARNEX_API ioPath GetPlatformModuleName(const ioPath& plugin);
 
 /// The plugin's module in the application directory or, if that is a link, the file that it leads
 /// to, so that the module finds the files beside it. Doesn't say whether there is such a file.
-/// Follows links once for each plugin: right before a load, when the loads of other modules have
-/// emptied the processor's caches, that takes three times as long. Thread-safe.
+/// Links are followed at the first call for a plugin; a later change isn't noticed. Ask for all
+/// plugins before the first load: between loads it takes three times as long, because the loads
+/// use up the processor's caches. Thread-safe.
 TARNEX_API ioPath FindModuleFile(const std::string& plugin);
 
 }  // namespace Tarnex::Core
