@@ -2,44 +2,49 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <iostream>
+#include <iterator>
 #include <utility>
 
-#include "assay/Environment.h"
-#include "assay/Known.h"
 #include "assay/Summary.h"
 #include "core/support/Exception.h"
 
 namespace Tarnex::Assay {
 
 Reporter::Reporter(const Arguments& arguments, Platform::Terminal& terminal,
-                   const SavedReport& saved)
-    : environment(DescribeEnvironment()), arguments(arguments), terminal(terminal), saved(saved) {
+                   FinishRepro finishRepro, KeepOpen keepOpen)
+    : arguments(arguments),
+      terminal(terminal),
+      finishRepro(std::move(finishRepro)),
+      keepOpen(std::move(keepOpen)) {
+    if (!arguments.accept.empty()) {
+        accepted = Reports::AcceptedItems(arguments.accept);
+    }
     if (!arguments.log.empty()) {
         log.open(arguments.log, std::ios::binary);
         if (!log) {
-            throw Exception("can't write " + arguments.log);
+            throw Exception("can't write " + arguments.log + ": " + std::strerror(errno));
         }
-    }
-    if (!arguments.known.empty()) {
-        known = ReadReport(arguments.known);
     }
 }
 
-void Reporter::SpareKnown(std::vector<Parent::Item>& items) const {
-    if (known) {
-        CarryOver(*known, environment, saved.freshLists, items);
-    }
+void Reporter::Accept(Report& report) {
+    accepted.Mark(report.items);
+    std::ranges::copy(accepted.DescribeUnused(), std::back_inserter(report.notes));
 }
 
 void Reporter::OnVerdict(const Parent::Item& item) {
-    PrintItem(terminal, item);
-    if (IsBad(item.verdict)) {
+    Parent::Item finished = item;
+    accepted.Mark(finished);
+    PrintItem(terminal, finished);
+    if (IsBad(item.verdict) && !finished.accepted) {
         ++bad[std::string(ToString(item.verdict))];
     }
-    Parent::Item finished = item;
-    saved.Finish(finished.repro);
-    WriteEvent(ToJson(finished));
+    finishRepro(finished);
+    WriteEvent(Reports::ToJson(finished));
 }
 
 void Reporter::OnProgress(const Parent::Progress& progress) {
@@ -61,14 +66,9 @@ void Reporter::OnOutput(std::size_t run, std::string_view bytes) {
     log << bytes << std::flush;
 }
 
-void Reporter::OnListing(const Parent::Listing& listing, std::vector<Parent::Item>& codecs) {
-    environment["codec_files"] = DescribeFiles(listing.files);
-    SpareKnown(codecs);
-}
-
 void Reporter::Close(const Report& report, int status) {
     WriteEvent({{"complete", report.complete},
-                {"totals", CountVerdicts(report.items)},
+                {"totals", Reports::CountVerdicts(report.items)},
                 {"status", status}});
     if (!std::cout) {
         throw Exception("can't write all events to standard output");
@@ -80,7 +80,7 @@ void Reporter::Close(const Report& report, int status) {
 
 void Reporter::WriteEvent(const Json& event) const {
     if (arguments.events) {
-        std::cout << Render(event) << std::endl;
+        std::cout << Reports::Render(event) << std::endl;
     }
 }
 

@@ -1,18 +1,24 @@
 #pragma once
 
-#include "assay/Report.h"
 #include "platform/Terminal.h"
+#include "report/Report.h"
 
 namespace Tarnex::Assay {
 
-inline constexpr std::size_t LONGEST_LINE = 300;
+using Reports::Json;
+using Reports::Report;
 
-/// A line for the item if it is bad, with reason and company, in at most `columns` characters.
-void PrintItem(Platform::Terminal& terminal, const Parent::Item& item,
-               std::size_t columns = LONGEST_LINE);
+/// While a check is under way: lines for the item if it is bad, which the summary may replace.
+void PrintItem(Platform::Terminal& terminal, const Parent::Item& item);
 
-/// Counts, as many bad items as fit a screen with the command that shows each again, and what
-/// hindered the check.
+/// Counts, the bad items, the worst first, as far as they fit the screen, and what hindered the
+/// check. Bad items that were printed before and can't be removed aren't printed again.
 void PrintSummary(Platform::Terminal& terminal, const Report& report);
+
+/// The bad items and those that spoil others, the worst first.
+std::vector<const Parent::Item*> GetBadItems(const Report& report);
+
+/// What a summary of it ends a command with: a `Status`.
+int GetStatus(const Report& report);
 
 }  // namespace Tarnex::Assay

@@ -2,13 +2,17 @@
 // Usage: bare_loop [FACTORY FILE]...; a FACTORY without an interface below means our own
 // interface.
 
+#include <clap/entry.h>
+#include <clap/plugin-factory.h>
 #include <dlfcn.h>
 #include <frei0r.h>
 #include <ladspa.h>
 #include <lv2/core/lv2.h>
+#include <travesty/factory.h>
 #include <vamp/vamp.h>
 
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <map>
 #include <string>
@@ -67,16 +71,77 @@ int CountFiltersOfLibrary(decltype(lv2_lib_descriptor)* describe, const std::str
     return count;
 }
 
-bool TryFilter(void* module, const std::string& file) {
-    auto* const ladspa = Find<decltype(ladspa_descriptor)>(module, "ladspa_descriptor");
+enum class Result { Absent, Good, Bad };
+
+Result ToResult(bool isGood) {
+    return isGood ? Result::Good : Result::Bad;
+}
+
+Result TryLadspa(void* module, const std::string&) {
+    auto* const describe = Find<decltype(ladspa_descriptor)>(module, "ladspa_descriptor");
+    return describe == nullptr ? Result::Absent : ToResult(CountFilters(describe) > 0);
+}
+
+Result TryLv2(void* module, const std::string& file) {
     auto* const single = Find<decltype(lv2_descriptor)>(module, "lv2_descriptor");
     auto* const library = Find<decltype(lv2_lib_descriptor)>(module, "lv2_lib_descriptor");
-    const bool isBad = ladspa != nullptr && CountFilters(ladspa) < 1;
+    if (single == nullptr && library == nullptr) {
+        return Result::Absent;
+    }
     const int ofSingle = single == nullptr ? 0 : CountFilters(single);
     const int ofLibrary = library == nullptr ? 0 : CountFiltersOfLibrary(library, file);
-    const bool isLv2 = single != nullptr || library != nullptr;
-    return (ladspa != nullptr || isLv2) && !isBad && ofSingle >= 0 && ofLibrary >= 0 &&
-           (!isLv2 || ofSingle + ofLibrary > 0);
+    return ToResult(ofSingle >= 0 && ofLibrary >= 0 && ofSingle + ofLibrary > 0);
+}
+
+Result TryClap(void* module, const std::string& file) {
+    const auto* entry = Find<const clap_plugin_entry_t>(module, "clap_entry");
+    if (entry == nullptr) {
+        return Result::Absent;
+    }
+    const void* found = clap_version_is_compatible(entry->clap_version) && entry->init(file.c_str())
+                            ? entry->get_factory(CLAP_PLUGIN_FACTORY_ID)
+                            : nullptr;
+    const auto* factory = static_cast<const clap_plugin_factory_t*>(found);
+    const unsigned count = factory == nullptr ? 0 : factory->get_plugin_count(factory);
+    for (unsigned index = 0; index < count; ++index) {
+        const auto* plugin = factory->get_plugin_descriptor(factory, index);
+        if (plugin == nullptr || plugin->id == nullptr || plugin->name == nullptr) {
+            return Result::Bad;
+        }
+    }
+    return ToResult(count > 0);
+}
+
+Result TryVst3(void* module, const std::string&) {
+    struct Factory {
+        const v3_plugin_factory_cpp* functions;
+    };
+    auto* const getFactory = Find<Factory*()>(module, "GetPluginFactory");
+    if (getFactory == nullptr) {
+        return Result::Absent;
+    }
+    auto* const enter = Find<bool(void*)>(module, "ModuleEntry");
+    Factory* const factory = enter == nullptr || enter(module) ? getFactory() : nullptr;
+    const int count = factory == nullptr ? 0 : factory->functions->v1.num_classes(factory);
+    bool hasPlugin = false;
+    for (int index = 0; index < count; ++index) {
+        v3_class_info info{};
+        factory->functions->v1.get_class_info(factory, index, &info);
+        hasPlugin |= std::strcmp(info.category, "Audio Module Class") == 0;
+    }
+    return ToResult(hasPlugin);
+}
+
+bool TryFilter(void* module, const std::string& file) {
+    bool isGood = false;
+    for (auto* tryIt : {TryLadspa, TryLv2, TryClap, TryVst3}) {
+        const Result result = tryIt(module, file);
+        if (result == Result::Bad) {
+            return false;
+        }
+        isGood |= result == Result::Good;
+    }
+    return isGood;
 }
 
 bool TryAnalyzer(void* module, const std::string&) {

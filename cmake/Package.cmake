@@ -4,13 +4,23 @@ install(FILES doc/Assayer.1 doc/assay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
 # The same layout as in the sources keeps the links between the documents valid.
 set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
 install(FILES README.md ARCHITECTURE.md CHANGELOG.md CONTRIBUTING.md packaging/copyright DESTINATION ${documents})
-install(FILES doc/protocol.md doc/report.md doc/modules.md doc/parent.py DESTINATION ${documents}/doc)
+install(FILES doc/fleet.md doc/protocol.md doc/report.md doc/exercise.md doc/findings.md doc/modules.md doc/parent.py DESTINATION ${documents}/doc)
+install(FILES fleet/alerts.yml DESTINATION ${documents}/fleet)
+# For each user to enable; the package enables nothing.
+install(FILES packaging/systemd/assayer-check.service packaging/systemd/assayer-check.timer
+  DESTINATION lib/systemd/user)
 # Debian's name and form of the changelog.
 find_program(GZIP gzip REQUIRED)
 set(changelog ${PROJECT_BINARY_DIR}/changelog.gz)
 execute_process(
   COMMAND ${GZIP} -9nc ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${changelog} COMMAND_ERROR_IS_FATAL ANY)
 install(FILES ${changelog} DESTINATION ${documents})
+
+# Where each shell looks for what completes a command of a package.
+set(completion packaging/completion)
+install(FILES ${completion}/assay.bash DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions RENAME assay)
+install(FILES ${completion}/_assay DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions)
+install(FILES ${completion}/assay.fish DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d)
 
 # The command is on the PATH; what it runs stays in the installation directory.
 set(link ${PROJECT_BINARY_DIR}/links/assay)

@@ -1,5 +1,7 @@
 #include "codecs/CodecChecker.h"
 
+#include <glog/logging.h>
+
 #include <algorithm>
 #include <thread>
 #include <utility>
@@ -12,6 +14,14 @@
 #include "reporting/Logging.h"
 
 namespace Tarnex::Core::Utils {
+namespace {
+
+/// Contract: in the log, these lines bear the name of this file.
+void LogInput(const std::string& line) {
+    LOG(INFO) << line;
+}
+
+}  // namespace
 
 /// The results of a round, which outlives its tasks. Thread-safe.
 class CodecChecker::Results {
@@ -38,7 +48,7 @@ struct CodecChecker::CheckTask {
 
     void operator()() const {
         LogTagged(TEST_CODEC_TAG, config.GetID());
-        const std::string error = TestCodec(config);
+        const std::string error = TestCodec(config, LogInput);
         if (!error.empty()) {
             LogTagged(ERROR_TAG, error);
             LogTagged(CODECS_TAG, config.GetID());

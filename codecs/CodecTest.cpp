@@ -1,7 +1,5 @@
 #include "codecs/CodecTest.h"
 
-#include <glog/logging.h>
-
 #include "core/media/AppLocations.h"
 #include "core/media/ClientAPI.h"
 #include "core/media/CoreManager.h"
@@ -157,15 +155,15 @@ Pointer<IStream> CreateDecoder(const CodecConfig& config, const Pointer<ICodedSt
 
 /// A stream from the codec's sample file. Without such a file, an encoder of a synthetic stream.
 /// Contract: parents match both log lines; keep them verbatim.
-Pointer<ICodedStream> GetDecoderInput(const CodecConfig& config) {
+Pointer<ICodedStream> GetDecoderInput(const CodecConfig& config, InputLog* logInput) {
     const ioPath samples =
         AppLocations::GetLocations().GetApplicationDirectory() / "resources" / "codecSamples";
     const ioPath sample = FindSampleFile(samples, config.GetCodecId());
     if (sample.exists()) {
-        LOG(INFO) << "Using test file: " << sample.filename().utf8string();
+        logInput("Using test file: " + sample.filename().utf8string());
         return OpenSampleStream(config, sample);
     }
-    LOG(INFO) << "Using FakeStream";
+    logInput("Using FakeStream");
     return CreateEncoder(config, CreateFakeStream(config), false);
 }
 
@@ -176,8 +174,8 @@ void ReadOnce(IStream& coder) {
 }
 
 // Contract: parents match both texts; keep them verbatim.
-std::string TestDecoder(const CodecConfig& config) {
-    const Pointer<ICodedStream> input = GetDecoderInput(config);
+std::string TestDecoder(const CodecConfig& config, InputLog* logInput) {
+    const Pointer<ICodedStream> input = GetDecoderInput(config, logInput);
     if (!input) {
         return config.GetCodecId() + " stream not found";
     }
@@ -201,11 +199,11 @@ std::string TestEncoder(const CodecConfig& config) {
 
 }  // namespace
 
-std::string TestCodec(const CodecConfig& config) {
+std::string TestCodec(const CodecConfig& config, InputLog* logInput) {
     try {
         switch (static_cast<CoderType::Type>(config.GetCoderType())) {
             case CoderType::Decoder:
-                return TestDecoder(config);
+                return TestDecoder(config, logInput);
             case CoderType::Encoder:
                 return TestEncoder(config);
             case CoderType::None:

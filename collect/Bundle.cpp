@@ -1,7 +1,6 @@
 #include "collect/Bundle.h"
 
 #include <lv2/core/lv2.h>
-#include <lv2/ui/ui.h>
 #include <serd/serd.h>
 
 #include <array>
@@ -24,6 +23,7 @@ namespace fs = boost::filesystem;
 
 constexpr std::string_view MANIFEST = "manifest.ttl";
 constexpr std::string_view TYPE = "http://www.w3.org/1999/02/22-rdf-syntax-ns#type";
+constexpr std::string_view SEE_ALSO = "http://www.w3.org/2000/01/rdf-schema#seeAlso";
 
 using EnvHandle = std::unique_ptr<SerdEnv, decltype(&serd_env_free)>;
 using ReaderHandle = std::unique_ptr<SerdReader, decltype(&serd_reader_free)>;
@@ -46,12 +46,6 @@ const std::uint8_t* Bytes(const std::string& text) {
     return reinterpret_cast<const std::uint8_t*>(text.c_str());
 }
 
-/// What a manifest says of one subject: a plugin, a user interface or a preset.
-struct Subject {
-    std::set<std::string> binaries;  ///< as URIs
-    bool isUserInterface = false;
-};
-
 // The library stops at a NUL byte and parses nested text recursively. The limit counts brackets in
 // strings and comments too, but is far above what manifests contain.
 void RequireReadable(const std::string& text) {
@@ -62,15 +56,22 @@ void RequireReadable(const std::string& text) {
                  : (byte == ']' || byte == ')') && depth > 0 ? -1
                                                              : 0;
         if (byte == '\0' || depth > MAX_DEPTH) {
-            throw Exception(byte == '\0' ? "its manifest.ttl holds a NUL byte"
-                                         : "its manifest.ttl is nested too deeply");
+            throw Exception(byte == '\0' ? "holds a NUL byte" : "is nested too deeply");
         }
     }
 }
 
-class ManifestReader {
+// Returns a URI that isn't a file's unchanged. As a path, it lies in no bundle.
+fs::path ToPath(const std::string& uri) {
+    const std::unique_ptr<std::uint8_t, decltype(&serd_free)> parsed(
+        serd_file_uri_parse(Bytes(uri), nullptr), &serd_free);
+    const fs::path path = parsed == nullptr ? uri : reinterpret_cast<const char*>(parsed.get());
+    return path.is_absolute() ? path.lexically_normal() : path;
+}
+
+class TurtleReader {
 public:
-    explicit ManifestReader(const fs::path& path)
+    explicit TurtleReader(const fs::path& path)
         : uri(serd_node_new_file_uri(Bytes(path.string()), nullptr, nullptr, true)),
           env(serd_env_new(uri.Get()), &serd_env_free),
           reader(
@@ -86,14 +87,14 @@ public:
             error = reinterpret_cast<const char*>(serd_strerror(status));
         }
         if (!error.empty()) {
-            throw Exception("its manifest.ttl isn't Turtle: " + error);
+            throw Exception("isn't Turtle: " + error);
         }
     }
 
-    std::map<std::string, Subject> subjects;
+    std::map<std::string, Statements> subjects;
 
 private:
-    static ManifestReader& Self(void* handle) { return *static_cast<ManifestReader*>(handle); }
+    static TurtleReader& Self(void* handle) { return *static_cast<TurtleReader*>(handle); }
 
     static SerdStatus OnBase(void* handle, const SerdNode* base) {
         return serd_env_set_base_uri(Self(handle).env.get(), base);
@@ -106,12 +107,14 @@ private:
     static SerdStatus OnStatement(void* handle, SerdStatementFlags, const SerdNode*,
                                   const SerdNode* subject, const SerdNode* predicate,
                                   const SerdNode* object, const SerdNode*, const SerdNode*) {
-        ManifestReader& self = Self(handle);
+        TurtleReader& self = Self(handle);
         const std::string what = self.Expand(predicate);
         if (what == LV2_CORE__binary) {
-            self.subjects[self.Expand(subject)].binaries.insert(self.Expand(object));
-        } else if (what == TYPE && self.Expand(object).starts_with(LV2_UI_PREFIX)) {
-            self.subjects[self.Expand(subject)].isUserInterface = true;
+            self.subjects[self.Expand(subject)].binaries.insert(ToPath(self.Expand(object)));
+        } else if (what == SEE_ALSO) {
+            self.subjects[self.Expand(subject)].seeAlso.insert(ToPath(self.Expand(object)));
+        } else if (what == TYPE && self.Expand(object) == LV2_CORE__Plugin) {
+            self.subjects[self.Expand(subject)].isPlugin = true;
         }
         return SERD_SUCCESS;
     }
@@ -149,47 +152,127 @@ private:
     std::string error;
 };
 
-// Returns a URI that isn't a file's unchanged. As a path, it lies in no bundle.
-fs::path ToPath(const std::string& uri) {
-    const std::unique_ptr<std::uint8_t, decltype(&serd_free)> parsed(
-        serd_file_uri_parse(Bytes(uri), nullptr), &serd_free);
-    const fs::path path = parsed == nullptr ? uri : reinterpret_cast<const char*>(parsed.get());
-    return path.is_absolute() ? path.lexically_normal() : path;
+std::string ReadText(const fs::path& path) {
+    boost::system::error_code ignored;
+    fs::ifstream file(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!fs::is_regular_file(path, ignored) || !file) {
+        throw Exception("can't be read");
+    }
+    return text;
 }
+
+// What a cache keeps of statements: texts that begin with what they are.
+constexpr char PLUGIN = 'p';
+constexpr char SUBJECT = 's';
+constexpr char BINARY = 'b';
+constexpr char FILE_MORE = 'f';
+
+/// Of plugins whose binaries the manifest doesn't name, the files that may.
+Texts ReadPlugins(const fs::path& manifest) {
+    Texts texts;
+    for (const auto& [uri, statements] : ReadTurtle(ReadText(manifest), manifest)) {
+        if (statements.isPlugin) {
+            const bool isNamed = !statements.binaries.empty();
+            texts.push_back(PLUGIN + uri);
+            for (const fs::path& path : isNamed ? statements.binaries : statements.seeAlso) {
+                texts.push_back((isNamed ? BINARY : FILE_MORE) + path.native());
+            }
+        }
+    }
+    return texts;
+}
+
+Texts ReadBinaries(const fs::path& file) {
+    Texts texts;
+    for (const auto& [uri, statements] : ReadTurtle(ReadText(file), file)) {
+        for (const fs::path& binary : statements.binaries) {
+            texts.push_back(SUBJECT + uri);
+            texts.push_back(BINARY + binary.native());
+        }
+    }
+    return texts;
+}
+
+class BundleReader {
+public:
+    explicit BundleReader(ReadingCache& cache) : cache(cache) {}
+
+    Bundle Read(const Texts& plugins) {
+        for (const std::string& text : plugins) {
+            if (text.front() == PLUGIN) {
+                Close();
+                plugin = text.substr(1);
+                isFound = false;
+            } else if (text.front() == BINARY) {
+                Add(text.substr(1));
+            } else {
+                ReadFile(text.substr(1));
+            }
+        }
+        Close();
+        return std::move(bundle);
+    }
+
+private:
+    void Add(const fs::path& binary) {
+        bundle.binaries.insert(binary);
+        isFound = true;
+    }
+
+    void ReadFile(const fs::path& file) {
+        try {
+            const Reading& reading = cache.Get('d', file, [&] { return ReadBinaries(file); });
+            if (!reading.problem.empty()) {
+                throw Exception(reading.problem);
+            }
+            for (std::size_t i = 0; i + 1 < reading.texts.size(); i += 2) {
+                if (reading.texts[i].compare(1, std::string::npos, plugin) == 0) {
+                    Add(reading.texts[i + 1].substr(1));
+                }
+            }
+        } catch (const Exception& error) {
+            bundle.problems.push_back("its " + file.filename().string() + " " + error.what());
+            isFound = true;  // That is told already.
+        }
+    }
+
+    void Close() {
+        if (!isFound) {
+            bundle.problems.push_back("no binary is named for its plugin " + plugin);
+        }
+    }
+
+    ReadingCache& cache;
+    Bundle bundle;
+    std::string plugin;
+    bool isFound = true;
+};
 
 }  // namespace
 
 bool IsBundle(const fs::path& folder) {
     boost::system::error_code ignored;
-    return folder.extension() == ".lv2" || fs::exists(folder / MANIFEST.data(), ignored);
+    return folder.native().ends_with(".lv2") || fs::exists(folder / MANIFEST.data(), ignored);
 }
 
-std::set<fs::path> ReadBundle(const fs::path& bundle) {
-    const fs::path path = bundle / MANIFEST.data();
+Bundle ReadBundle(const fs::path& folder, ReadingCache& cache) {
+    const fs::path manifest = folder / MANIFEST.data();
     boost::system::error_code error;
-    if (!fs::is_regular_file(path, error)) {
+    if (!fs::is_regular_file(manifest, error)) {
         throw Exception("the bundle has no manifest.ttl");
     }
-    fs::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file) {
-        throw Exception("its manifest.ttl can't be read");
+    const Reading& reading = cache.Get('m', manifest, [&] { return ReadPlugins(manifest); });
+    if (!reading.problem.empty()) {
+        throw Exception("its manifest.ttl " + reading.problem);
     }
-    return ReadManifest(text, bundle);
+    return BundleReader(cache).Read(reading.texts);
 }
 
-std::set<fs::path> ReadManifest(const std::string& text, const fs::path& bundle) {
-    ManifestReader reader(bundle / MANIFEST.data());
+std::map<std::string, Statements> ReadTurtle(const std::string& text, const fs::path& file) {
+    TurtleReader reader(file);
     reader.Read(text);
-    std::set<fs::path> files;
-    for (const auto& [name, subject] : reader.subjects) {
-        for (const std::string& binary : subject.binaries) {
-            if (!subject.isUserInterface) {
-                files.insert(ToPath(binary));
-            }
-        }
-    }
-    return files;
+    return std::move(reader.subjects);
 }
 
 }  // namespace Tarnex::Collect

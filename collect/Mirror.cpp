@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
-#include <fstream>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "core/media/PluginFactories.h"
+#include "collect/MirrorRecord.h"
 #include "core/support/Exception.h"
-#include "platform/Files.h"
+#include "platform/AtomicFile.h"
 #include "support/PluginList.h"
 
 namespace Tarnex::Collect {
@@ -17,173 +17,222 @@ namespace {
 
 namespace fs = boost::filesystem;
 using Core::Utils::PluginLists;
+using Installations::Installation;
 
-constexpr const char* RESOURCES = "resources";
-constexpr const char* SOURCE_FILE = ".copied-from";
+enum class Way { Copy, Link };
 
-bool IsProgram(const fs::path& name) {
-    return name == "Assayer" || name == "assayer-list" || name.string().starts_with("lib");
+/// What the copy takes of its source, and how, by relative path.
+std::map<std::string, Way> FindParts(const Installation& source) {
+    std::map<std::string, Way> parts;
+    for (const fs::directory_entry& entry : fs::directory_iterator(source.GetDirectory())) {
+        const std::string name = entry.path().filename().string();
+        if (!fs::is_regular_file(entry.path())) {
+            continue;
+        }
+        if (Installations::IsProgramFile(name)) {
+            parts.emplace(name, Way::Copy);
+        } else if (!Installations::GetPlugin(name).empty()) {
+            parts.emplace(name, Way::Link);
+        }
+    }
+    boost::system::error_code none;
+    for (const fs::directory_entry& entry :
+         fs::recursive_directory_iterator(source.GetResources(), none)) {
+        if (!fs::is_directory(entry.path())) {
+            parts.emplace(entry.path().lexically_relative(source.GetDirectory()).string(),
+                          Way::Link);
+        }
+    }
+    return parts;
 }
 
-PluginLists ReadList(const fs::path& directory) {
-    const fs::path path = directory / Core::PLUGIN_LIST_FILE;
-    return fs::exists(path) ? Core::Utils::ReadPluginLists(path.string()) : PluginLists();
+bool IsThere(const fs::path& path) {
+    boost::system::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
+
+bool IsLink(const fs::path& path) {
+    boost::system::error_code ignored;
+    return fs::is_symlink(fs::symlink_status(path, ignored));
+}
+
+/// The copy has the time of change of what it was made from, and so shows whether that changed.
+bool Copy(const fs::path& from, const fs::path& to) {
+    if (IsThere(to) && fs::file_size(from) == fs::file_size(to) &&
+        fs::last_write_time(from) == fs::last_write_time(to)) {
+        return false;
+    }
+    Platform::ReplaceByCopy(from.native(), to.native());
+    return true;
+}
+
+bool Link(const fs::path& target, const fs::path& link) {
+    if (IsLink(link) && fs::read_symlink(link) == target) {
+        return false;
+    }
+    fs::create_directories(link.parent_path());
+    Platform::ReplaceByLink(target.native(), link.native());
+    return true;
 }
 
 class Mirroring {
 public:
-    Mirroring(const fs::path& source, const fs::path& directory)
-        : source(source), directory(directory) {}
+    Mirroring(const Installation& source, const Installation& copy)
+        : source(source), copy(copy), parts(FindParts(source)) {}
 
     bool Run() {
-        Mark();
-        for (const fs::directory_entry& entry : fs::directory_iterator(source)) {
-            const fs::path name = entry.path().filename();
-            if (IsProgram(name)) {
-                Copy(entry.path(), directory / name);
-            } else if (name.extension() == ".so") {
-                Link(entry.path(), directory / name);
-            }
+        ReadBefore();
+        ChooseParts();
+        WriteFirst();
+        for (const auto& [name, way] : parts) {
+            const fs::path from = source.GetDirectory() / name;
+            changed |= way == Way::Copy ? Copy(from, GetPath(name)) : Link(from, GetPath(name));
         }
-        LinkResources();
         UpdateList();
         RemoveStale();
+        changed |= WriteMirrorRecord(copy.GetDirectory(), {source.GetDirectory(), GetNames()});
         return changed;
     }
 
 private:
-    /// The mark is there first: an interrupted copy is known as one and made whole the next time.
-    void Mark() {
-        fs::create_directories(directory);
-        const auto before = GetSource(directory);
-        if (!before && !fs::is_empty(directory)) {
-            throw Exception(directory.string() + ": neither empty nor an installation");
+    fs::path GetPath(const std::string& name) const { return copy.GetDirectory() / name; }
+
+    std::set<std::string> GetNames() const {
+        std::set<std::string> names;
+        for (const auto& part : parts) {
+            names.insert(part.first);
         }
-        sources = {source, before.value_or(source)};
-        if (before != source) {
-            Platform::ReplaceFile((directory / SOURCE_FILE).native(), source.string() + "\n");
-            changed = true;
-        }
+        return names;
     }
 
-    /// The copy has the time of change of what it was made from, and so shows whether that changed.
-    void Copy(const fs::path& from, const fs::path& to) {
-        if (!fs::exists(to) || fs::file_size(from) != fs::file_size(to) ||
-            fs::last_write_time(from) != fs::last_write_time(to)) {
-            const fs::path fresh = to.string() + ".new";
-            fs::copy_file(from, fresh, fs::copy_options::overwrite_existing);
-            fs::last_write_time(fresh, fs::last_write_time(from));
-            Install(fresh, to);
+    void ReadBefore() {
+        fs::create_directories(copy.GetDirectory());
+        auto record = ReadMirrorRecord(copy.GetDirectory());
+        if (!record && !fs::is_empty(copy.GetDirectory())) {
+            throw Exception(copy.GetDirectory().string() + ": neither empty nor an installation");
         }
+        sourceBefore = record ? record->source : source.GetDirectory();
+        before = record && record->names ? *record->names : FindUnrecorded();
     }
 
-    void Link(const fs::path& target, const fs::path& link) {
-        if (!fs::is_symlink(link) || fs::read_symlink(link) != target) {
-            const fs::path fresh = link.string() + ".new";
-            fs::remove(fresh);
-            fs::create_symlink(target, fresh);
-            Install(fresh, link);
-        }
-    }
-
-    /// In folders of its own, so that people can put samples beside those of the source.
-    void LinkResources() {
-        if (fs::is_symlink(directory / RESOURCES)) {
-            fs::remove(directory / RESOURCES);
-        }
-        if (!fs::exists(source / RESOURCES)) {
-            return;
-        }
-        fs::create_directories(directory / RESOURCES);
-        for (const fs::directory_entry& entry :
-             fs::recursive_directory_iterator(source / RESOURCES)) {
-            const fs::path path = directory / entry.path().lexically_relative(source);
-            if (fs::is_directory(entry.path())) {
-                fs::create_directories(path);
-            } else {
-                Link(entry.path(), path);
+    /// What version 1.1 copied and linked, which it didn't write down. A library that the source no
+    /// longer has can't be told from a file of the user's, and stays.
+    std::set<std::string> FindUnrecorded() const {
+        std::set<std::string> names;
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(
+                 copy.GetDirectory(), fs::directory_options::skip_permission_denied)) {
+            const std::string name = entry.path().lexically_relative(copy.GetDirectory()).string();
+            const auto part = parts.find(name);
+            if (IsLinkToSource(name) || (part != parts.end() && part->second == Way::Copy)) {
+                names.insert(name);
             }
         }
+        return names;
     }
 
-    void Install(const fs::path& fresh, const fs::path& path) {
-        fs::rename(fresh, path);
-        changed = true;
-    }
-
-    bool IsLinkToSource(const fs::path& path) const {
-        if (!fs::is_symlink(path)) {
+    /// To the source of today or to the one before.
+    bool IsLinkToSource(const std::string& name) const {
+        if (!IsLink(GetPath(name))) {
             return false;
         }
-        const fs::path target = fs::read_symlink(path);
-        const fs::path name = path.lexically_relative(directory);
-        return std::ranges::any_of(sources,
-                                   [&](const fs::path& from) { return target == from / name; });
+        const fs::path target = fs::read_symlink(GetPath(name));
+        return target == source.GetDirectory() / name || target == sourceBefore / name;
     }
 
-    /// Collected, or put here by hand.
-    bool IsOwn(const std::string& plugin) const {
-        const fs::path file = directory / (plugin + ".so");
-        return fs::exists(fs::symlink_status(file)) && !IsLinkToSource(file);
+    bool IsOurs(const std::string& name) const {
+        return IsLinkToSource(name) ||
+               (before.contains(name) && !IsLink(GetPath(name)) &&
+                fs::is_regular_file(GetPath(name)) && Installations::IsProgramFile(name));
     }
 
-    /// What the source lists, then what is this directory's own; a factory that lists the same
-    /// names keeps their order.
+    /// Leaves out what would replace a file that isn't ours.
+    void ChooseParts() {
+        for (auto part = parts.begin(); part != parts.end();) {
+            const auto& [name, way] = *part;
+            const bool isFree = !IsThere(GetPath(name)) || IsOurs(name);
+            if (!isFree && way == Way::Copy) {
+                throw Exception(GetPath(name).string() + " is in the way of a part of the program");
+            }
+            if (!isFree) {
+                foreign.insert(Installations::GetPlugin(name));
+            }
+            part = isFree ? std::next(part) : parts.erase(part);
+        }
+    }
+
+    /// Before anything else: an interrupted copy is known as one and made whole the next time.
+    void WriteFirst() {
+        std::set<std::string> names = GetNames();
+        names.insert(before.begin(), before.end());
+        WriteMirrorRecord(copy.GetDirectory(), {sourceBefore, names});
+    }
+
+    bool IsStale(const std::string& name) const {
+        return before.contains(name) && !parts.contains(name) && IsOurs(name);
+    }
+
+    /// What the source lists, then what else is listed here; a factory that lists the same names
+    /// keeps their order.
     void UpdateList() {
-        const PluginLists before = ReadList(directory);
-        PluginLists after = ReadList(source);
-        for (const auto& [factory, plugins] : before) {
-            std::vector<std::string>& list = after[factory];
+        const PluginLists listed = copy.ReadLists();
+        PluginLists lists = source.ReadLists();
+        for (auto& [factory, plugins] : lists) {
+            std::erase_if(plugins, [&](const auto& plugin) { return foreign.contains(plugin); });
+        }
+        for (const auto& [factory, plugins] : listed) {
+            std::vector<std::string>& list = lists[factory];
             std::ranges::copy_if(plugins, std::back_inserter(list), [&](const std::string& plugin) {
-                return IsOwn(plugin) && std::ranges::count(list, plugin) == 0;
+                const std::string name = copy.GetModule(plugin).filename().string();
+                return !IsStale(name) && std::ranges::count(list, plugin) == 0;
             });
             list = std::ranges::is_permutation(list, plugins) ? plugins : list;
         }
-        if (std::ranges::any_of(after, [&](const auto& list) {
-                const auto same = before.find(list.first);
-                return same == before.end() ? !list.second.empty() : same->second != list.second;
-            })) {
-            WriteList(after);
-        }
-    }
-
-    void WriteList(const PluginLists& lists) {
-        const fs::path fresh = directory / (std::string(Core::PLUGIN_LIST_FILE) + ".new");
-        fs::copy_file(source / Core::PLUGIN_LIST_FILE, fresh, fs::copy_options::overwrite_existing);
-        Core::Utils::ReplacePluginLists(fresh.string(), lists);
-        Install(fresh, directory / Core::PLUGIN_LIST_FILE);
-    }
-
-    void RemoveStale() {
-        std::vector<fs::path> stale;
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
-            const fs::path name = entry.path().lexically_relative(directory);
-            if ((IsProgram(name) || IsLinkToSource(entry.path())) && !fs::exists(source / name)) {
-                stale.push_back(entry.path());
-            }
-        }
-        for (const fs::path& path : stale) {
-            fs::remove(path);
+        std::erase_if(lists, [&](const auto& list) {
+            const auto same = listed.find(list.first);
+            return same == listed.end() ? list.second.empty() : same->second == list.second;
+        });
+        if (!lists.empty()) {
+            Core::Utils::ReplacePluginLists(copy.GetPluginList().string(), lists);
             changed = true;
         }
     }
 
-    const fs::path& source;
-    const fs::path& directory;
-    std::set<fs::path> sources;  // this one, and the one before
+    void RemoveStale() {
+        for (const std::string& name : before) {
+            if (IsStale(name)) {
+                fs::remove(GetPath(name));
+                changed = true;
+            }
+        }
+    }
+
+    const Installation& source;
+    const Installation& copy;
+    std::map<std::string, Way> parts;
+    fs::path sourceBefore;
+    std::set<std::string> before;   // what is ours, if it wasn't replaced by hand
+    std::set<std::string> foreign;  // plugins of the source whose names have another module here
     bool changed = false;
 };
 
 }  // namespace
 
-std::optional<fs::path> GetSource(const fs::path& directory) {
-    std::ifstream file(directory / SOURCE_FILE);
-    std::string source;
-    return std::getline(file, source) ? std::optional<fs::path>(source) : std::nullopt;
+std::optional<fs::path> GetSource(const Installation& installation) {
+    const auto record = ReadMirrorRecord(installation.GetDirectory());
+    return record ? std::optional(record->source) : std::nullopt;
 }
 
-bool Mirror(const fs::path& source, const fs::path& directory) {
-    return Mirroring(source, directory).Run();
+bool Mirror(const Installation& source, const Installation& copy) {
+    return Mirroring(source, copy).Run();
+}
+
+void CopyPrograms(const Installation& source, const fs::path& directory) {
+    for (const auto& [name, way] : FindParts(source)) {
+        if (way == Way::Copy) {
+            Platform::ReplaceByCopy((source.GetDirectory() / name).native(),
+                                    (directory / name).native());
+        }
+    }
 }
 
 }  // namespace Tarnex::Collect

@@ -5,18 +5,22 @@
 #include <vector>
 
 #include "collect/ModuleKinds.h"
+#include "collect/ReadingCache.h"
+#include "installation/ModuleFile.h"
 
 namespace Tarnex::Collect {
 
 struct FoundModule {
     boost::filesystem::path path;  ///< absolute; a link in the last component isn't resolved
     const ModuleKind* kind;
-    std::string name;  ///< the wanted name; several modules may want the same
+    std::string name;  ///< the wanted name, without its kind's suffix; several may want the same
+    Installations::FileId id;
 };
 
 struct LeftOut {
     boost::filesystem::path path;
     std::string reason;
+    boost::filesystem::path folder{};  ///< the folder that was searched; empty if that is the path
 };
 
 struct Findings {
@@ -24,13 +28,20 @@ struct Findings {
     std::vector<LeftOut> leftOut;
 };
 
-/// Examines every file named "*.so" in the folders and their subfolders: folder by folder, each
-/// sorted by path. Doesn't follow links to folders and skips the files directly in `installation`.
-/// A module that exports the entry point of its folder's kind is of that kind; else of the first
-/// kind whose entry point it exports; else of its folder's kind, so that the check reports why it
-/// can't be loaded. In an LV2 bundle, even if the bundle is a link, examines only the files that
-/// the manifest names as plugins' binaries.
+/// Finds the modules in the folders as hosts of their kinds do: folder by folder, each sorted by
+/// path. A folder for any kind is searched for all of them, however deep. Skips `installation`.
+///
+/// A file is of its folder's kind if it exports that entry point; else of the first kind whose
+/// entry point it exports; else of its folder's kind, so that the check reports why it can't be
+/// loaded. In bundles, only the files that hosts open are modules. Everything else with the name of
+/// a module is left out, with the reason.
 Findings FindModules(const std::vector<SearchFolder>& folders,
-                     const boost::filesystem::path& installation);
+                     const boost::filesystem::path& installation, ReadingCache& cache);
+
+/// Looks at one file or bundle, whose name may be any; `path` is absolute.
+Findings ExamineModule(const boost::filesystem::path& path, ReadingCache& cache);
+
+/// What was left out, for people: a line for each reason and searched folder.
+std::vector<std::string> Describe(const std::vector<LeftOut>& leftOut);
 
 }  // namespace Tarnex::Collect

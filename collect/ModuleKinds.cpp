@@ -1,6 +1,8 @@
 #include "collect/ModuleKinds.h"
 
 #include <boost/filesystem/operations.hpp>
+#include <iterator>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -39,12 +41,23 @@ std::vector<fs::path> GetUsualPaths(const ModuleKind& kind) {
     return paths;
 }
 
-std::vector<fs::path> SplitAtColons(const std::string& text) {
+/// As LV2's usual library expands it; hosts of the others get what a shell expanded.
+fs::path ExpandHome(const std::string& path, const ModuleKind& kind) {
+    const auto home = Platform::GetEnvironment("HOME");
+    return kind.interface == Installations::Interface::Lv2 && home && path.starts_with("~/")
+               ? fs::path(*home) / path.substr(2)
+               : fs::path(path);
+}
+
+std::vector<fs::path> GetNamedPaths(const ModuleKind& kind) {
     std::vector<fs::path> paths;
-    std::istringstream stream(text);
+    const auto value =
+        kind.variable.empty() ? std::nullopt : Platform::GetEnvironment(std::string(kind.variable));
+    std::istringstream stream(value.value_or(""));
     for (std::string path; std::getline(stream, path, ':');) {
-        if (!path.empty()) {
-            paths.emplace_back(path);
+        boost::system::error_code ignored;
+        if (!path.empty() && !fs::exists(fs::path(path) / TRUSTED_MARK, ignored)) {
+            paths.push_back(ExpandHome(path, kind));
         }
     }
     return paths;
@@ -55,8 +68,11 @@ std::vector<fs::path> SplitAtColons(const std::string& text) {
 std::vector<SearchFolder> GetUsualFolders() {
     std::vector<SearchFolder> folders;
     for (const ModuleKind& kind : MODULE_KINDS) {
-        const auto value = Platform::GetEnvironment(std::string(kind.variable));
-        for (const fs::path& path : value ? SplitAtColons(*value) : GetUsualPaths(kind)) {
+        std::vector<fs::path> paths = GetNamedPaths(kind);
+        if (paths.empty() || kind.adds) {
+            std::ranges::copy(GetUsualPaths(kind), std::back_inserter(paths));
+        }
+        for (const fs::path& path : paths) {
             folders.push_back({path, &kind});
         }
     }

@@ -7,7 +7,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
-        Tarnex::Collect::ReadManifest(std::string(data, data + size), "/bundle.lv2");
+        Tarnex::Collect::ReadTurtle(std::string(data, data + size), "/a.lv2/manifest.ttl");
     } catch (const Tarnex::Exception&) {
     }
     return 0;

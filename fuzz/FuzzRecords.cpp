@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "fuzz/MemoryFile.h"
-#include "parent/Records.h"
+#include "parent/Follower.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ using Tarnex::Parent::RecordReader;
 /// Reads pieces of the given sizes.
 std::vector<std::string> Read(std::string_view text, std::string_view sizes) {
     std::vector<std::string> found;
-    RecordReader reader([&](const Record& record) {
+    RecordReader reader(Tarnex::Parent::AllTags(), [&](const Record& record) {
         found.push_back(std::string(record.tag) + "=" + record.message);
     });
     for (std::size_t i = 0; !text.empty(); ++i) {

@@ -1,12 +1,11 @@
 // assayer-list: starts the media core as Assayer does and writes what its modules offer as one JSON
 // object:
 //
-//     {"codecs": {IMPLEMENTATION: {"Decoder": [id, ...], "Encoder": [id, ...]}},
-//      "files": [path, ...]}
+//     {"codecs": {IMPLEMENTATION: {"Decoder": [id, ...], "Encoder": [id, ...]}}}
 //
-// `files` is what the process then has mapped. Usage: assayer-list [--without NAME,...]. Exit
-// status: 0; 2 for another command line; 1 if the core or a module can't, with the text as the last
-// line on standard error, after the program's name.
+// Usage: assayer-list [--without NAME,...]. Exit status: 0; 2 for another command line; 1 if the
+// core or a module can't, with the text as the last line on standard error, after the program's
+// name.
 
 #include <unistd.h>
 
@@ -15,10 +14,8 @@
 #include <boost/exception/diagnostic_information.hpp>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 
 #include "core/media/CoreManager.h"
@@ -54,7 +51,7 @@ void StartCore(const std::string& without) {
 Json ListCodecs() {
     const auto factory = Core::CoreManager::Instance().GetCodecFactory();
     Json codecs = Json::object();
-    for (Module::ICodecModule* module : Core::GetStartedModules()->codecs) {
+    for (const auto& [plugin, module] : Core::GetStartedModules()->codecs) {
         const std::string implementation = module->GetImplementation();
         codecs[implementation] = {{ToString(Core::CoderType(Core::CoderType::Decoder)),
                                    factory->GetDecoderCodecs(implementation)},
@@ -62,22 +59,6 @@ Json ListCodecs() {
                                    factory->GetEncoderCodecs(implementation)}};
     }
     return codecs;
-}
-
-bool IsFile(const std::string& path) {
-    return !path.starts_with("/dev/") && access(path.c_str(), F_OK) == 0;
-}
-
-std::set<std::string> ListMappedFiles() {
-    std::ifstream maps("/proc/self/maps");
-    std::set<std::string> files;
-    for (std::string line; std::getline(maps, line);) {
-        const std::size_t at = line.find('/');
-        if (at != std::string::npos && IsFile(line.substr(at))) {
-            files.insert(line.substr(at));
-        }
-    }
-    return files;
 }
 
 /// The caught exception on one line.
@@ -97,8 +78,7 @@ int List(int argc, char** argv) {
     const std::string without = argc == 3 ? argv[2] : "";
     const QApplication application(argc, argv);
     StartCore(without);
-    Json listing{{"codecs", ListCodecs()}};
-    listing["files"] = ListMappedFiles();
+    const Json listing{{"codecs", ListCodecs()}};
     const std::string text = listing.dump(-1, ' ', false, Json::error_handler_t::replace);
     if (std::fputs(text.c_str(), output) < 0 || std::fflush(output) != 0) {
         throw std::runtime_error("can't write to standard output");

@@ -1,7 +1,12 @@
 #include "core/media/AppLocations.h"
 
+#include <sys/stat.h>
+
 #include <boost/filesystem.hpp>
+#include <map>
+#include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include "core/support/Mutex.h"
 #include "platform/Environment.h"
@@ -35,10 +40,22 @@ ioPath FollowLinks(fs::path file) {
     return file.string();
 }
 
+using FileId = std::pair<dev_t, ino_t>;
+
+/// Nothing if there is no such file.
+std::optional<FileId> GetFileId(const ioPath& path) {
+    struct stat file {};
+    if (stat(path.utf8string().c_str(), &file) != 0) {
+        return std::nullopt;
+    }
+    return FileId(file.st_dev, file.st_ino);
+}
+
 /// Never freed: the watch-dog may end the process while a module is being loaded.
 struct KnownFiles {
     Mutex mutex;
-    std::unordered_map<std::string, ioPath> files TARNEX_GUARDED_BY(mutex);  // by plugin
+    std::unordered_map<std::string, ioPath> byPlugin TARNEX_GUARDED_BY(mutex);
+    std::map<FileId, ioPath> firstPaths TARNEX_GUARDED_BY(mutex);
 };
 
 }  // namespace
@@ -49,20 +66,18 @@ const AppLocations& AppLocations::GetLocations() {
 }
 
 ioPath GetPlatformModuleName(const ioPath& plugin) {
-#if defined(_WIN32)
-    return plugin.utf8string() + ".dll";
-#else
-    return plugin.utf8string() + ".so";
-#endif
+    return plugin.utf8string() + MODULE_EXTENSION;
 }
 
 ioPath FindModuleFile(const std::string& plugin) {
     static KnownFiles& known = *new KnownFiles();
     const Lock lock(known.mutex);
-    const auto [entry, isNew] = known.files.try_emplace(plugin);
+    const auto [entry, isNew] = known.byPlugin.try_emplace(plugin);
     if (isNew) {
         const ioPath directory = AppLocations::GetLocations().GetApplicationDirectory();
-        entry->second = FollowLinks((directory / GetPlatformModuleName(plugin)).utf8string());
+        const ioPath path = FollowLinks((directory / GetPlatformModuleName(plugin)).utf8string());
+        const auto id = GetFileId(path);
+        entry->second = id ? known.firstPaths.try_emplace(*id, path).first->second : path;
     }
     return entry->second;
 }

@@ -4,10 +4,12 @@
 #include <utility>
 
 #include "core/media/Presets.h"
-#include "core/support/Exception.h"
+#include "core/support/CodecConfig.h"
 #include "core/support/ExceptionText.h"
 #include "core/support/Text.h"
+#include "mediacore/SharedLibrary.h"
 #include "mediacore/StartedModules.h"
+#include "platform/TerminalText.h"
 
 namespace Tarnex::Proc {
 namespace {
@@ -17,15 +19,31 @@ using Core::CoderType;
 using Core::StartedModules;
 using Core::Utils::Contains;
 using Module::ICodecModule;
+using StartedCodecs = Core::Started<ICodecModule>;
 
-/// Adds the implementation's name: no record identifies the module at this point.
-Codecs Ask(ICodecModule& module, CoderType type) {
+/// Names the module, because no record does at this point.
+[[noreturn]] void RefuseList(const StartedCodecs& started, const std::string& reason) {
+    Core::SharedLibrary::FindFile(started.plugin)
+        .Refuse("can't list the codecs of " + started.module->GetImplementation() + ": " + reason);
+}
+
+Codecs Ask(const StartedCodecs& started, CoderType type) {
     try {
-        return module.GetCodecs(type);
+        return started.module->GetCodecs(type);
     } catch (...) {
-        throw Exception("The module of " + module.GetImplementation() +
-                        " can't list its codecs: " + Core::Utils::GetCurrentExceptionText());
+        RefuseList(started, Core::Utils::GetCurrentExceptionText());
     }
+}
+
+/// What a module offers. Throws if a test can't be named by one of the ids.
+Codecs AskForUsable(const StartedCodecs& started, CoderType type) {
+    Codecs codecIds = Ask(started, type);
+    for (const std::string& codecId : codecIds) {
+        if (!Core::Utils::IsCodecId(codecId)) {
+            RefuseList(started, "unusable codec id \"" + Platform::MakePrintable(codecId) + '"');
+        }
+    }
+    return codecIds;
 }
 
 /// Finds the module for a codec. The module creates the coder.
@@ -93,10 +111,10 @@ private:
     /// because one may have to start a framework to answer.
     ICodecModule* Find(CoderType type, const std::string& codecId,
                        const std::string& implementation) const {
-        for (ICodecModule* module : modules->codecs) {
-            if (module->GetImplementation() == implementation &&
-                Contains(Ask(*module, type), codecId)) {
-                return module;
+        for (const StartedCodecs& started : modules->codecs) {
+            if (started.module->GetImplementation() == implementation &&
+                Contains(Ask(started, type), codecId)) {
+                return started.module;
             }
         }
         return nullptr;
@@ -110,12 +128,12 @@ private:
                                             const Pointer<Stream>&, const Property&)) const {
         const std::string codecId = property.Get(Conf::IPreset::ITEM_CODEC_ID);
         std::exception_ptr reason;
-        for (ICodecModule* module : modules->codecs) {
+        for (const StartedCodecs& started : modules->codecs) {
             try {
-                if (!Contains(Ask(*module, CoderType::Encoder), codecId)) {
+                if (!Contains(Ask(started, CoderType::Encoder), codecId)) {
                     continue;
                 }
-                if (auto encoder = (module->*create)(stream, property)) {
+                if (auto encoder = (started.module->*create)(stream, property)) {
                     return encoder;
                 }
             } catch (...) {
@@ -130,11 +148,11 @@ private:
 
     Codecs GetCodecs(CoderType type, const std::string& implementation) const {
         Codecs all;
-        for (ICodecModule* module : modules->codecs) {
-            if (module->GetImplementation() != implementation) {
+        for (const StartedCodecs& started : modules->codecs) {
+            if (started.module->GetImplementation() != implementation) {
                 continue;
             }
-            for (std::string& codecId : Ask(*module, type)) {
+            for (std::string& codecId : AskForUsable(started, type)) {
                 if (!Contains(all, codecId)) {
                     all.push_back(std::move(codecId));
                 }
@@ -147,8 +165,8 @@ private:
 };
 
 MediaKind GetMediaKind(const std::string& codecId) {
-    const auto started = Core::GetStartedModules();
-    for (ICodecModule* module : started->codecs) {
+    const auto modules = Core::GetStartedModules();
+    for (const auto& [plugin, module] : modules->codecs) {
         const MediaKind kind = module->GetMediaKind(codecId);
         if (kind != MediaKind::None) {
             return kind;

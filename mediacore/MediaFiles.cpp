@@ -12,10 +12,10 @@ namespace {
 
 /// Offers the file to the modules in turn until one accepts it. If none does, throws all reasons.
 template <class Module>
-void FirstThatCan(const std::vector<Module*>& modules, const ioPath& path, const char* work,
+void FirstThatCan(const std::vector<Started<Module>>& modules, const ioPath& path, const char* work,
                   const std::function<bool(Module&)>& take) {
     std::string reasons;
-    for (Module* module : modules) {
+    for (const auto& [plugin, module] : modules) {
         try {
             if (take(*module)) {
                 return;

@@ -4,9 +4,11 @@
 
 #include <map>
 
+#include "core/support/CodecConfig.h"
 #include "core/support/Mutex.h"
 #include "mediacore/LoadOnce.h"
 #include "mediacore/SharedLibrary.h"
+#include "platform/TerminalText.h"
 
 namespace Tarnex::Core {
 namespace {
@@ -41,11 +43,11 @@ void RememberShutdown(const std::string& plugin, const SharedLibrary& library) {
     }
 }
 
-/// Implementation names become parts of keys and of comma-separated lists.
 void RequireUsableName(const SharedLibrary& library, Module::ICodecModule& codecs) {
     const std::string implementation = codecs.GetImplementation();
-    if (implementation.empty() || implementation.find_first_of(".,: \t\r\n") != std::string::npos) {
-        library.Refuse(fmt::format("has an unusable implementation name \"{}\"", implementation));
+    if (!Utils::IsImplementationName(implementation)) {
+        library.Refuse(fmt::format("has an unusable implementation name \"{}\"",
+                                   Platform::MakePrintable(implementation)));
     }
 }
 

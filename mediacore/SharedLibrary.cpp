@@ -25,7 +25,7 @@ SharedLibrary::SharedLibrary(const ModuleFile& file)
     }
 }
 
-void* SharedLibrary::Symbol(const char* name) const {
+void* SharedLibrary::GetAddress(const char* name) const {
     return dlsym(handle, name);
 }
 

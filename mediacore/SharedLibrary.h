@@ -23,27 +23,33 @@ public:
     /// Throws `Proc::CodecFactoryErrorException` with the dynamic loader's message.
     explicit SharedLibrary(const ModuleFile& file);
 
-    /// The function called `name`, or null.
-    template <class Function>
-    Function* Find(const char* name) const {
-        return reinterpret_cast<Function*>(Symbol(name));
+    /// The function or object called `name`, or null.
+    template <class Symbol>
+    Symbol* Find(const char* name) const {
+        return reinterpret_cast<Symbol*>(GetAddress(name));
     }
 
-    /// The function called `name`. Refuses the module if it has none.
-    template <class Function>
-    Function* Get(const char* name) const {
-        Function* function = Find<Function>(name);
-        if (function == nullptr) {
+    /// The function or object called `name`. Refuses the module if it has none.
+    template <class Symbol>
+    Symbol* Get(const char* name) const {
+        Symbol* symbol = Find<Symbol>(name);
+        if (symbol == nullptr) {
             Refuse(std::string("has no entry point ") + name);
         }
-        return function;
+        return symbol;
     }
+
+    /// The file that was opened.
+    const std::string& GetPath() const { return file.path; }
+
+    /// The dynamic loader's handle.
+    void* GetHandle() const { return handle; }
 
     /// See `ModuleFile`.
     [[noreturn]] void Refuse(const std::string& reason) const { file.Refuse(reason); }
 
 private:
-    void* Symbol(const char* name) const;
+    void* GetAddress(const char* name) const;
 
     ModuleFile file;
     void* handle;

@@ -20,15 +20,15 @@ Kind* TryToStart(const std::string& plugin, Kind* Module::Description::*kind) {
 }
 
 template <class Kind>
-std::vector<Kind*> Start(const Plugins& plugins, const Plugins& disabled,
-                         Kind* Module::Description::*kind) {
-    std::vector<Kind*> started;
+std::vector<Started<Kind>> Start(const Plugins& plugins, const Plugins& disabled,
+                                 Kind* Module::Description::*kind) {
+    std::vector<Started<Kind>> started;
     for (const std::string& plugin : plugins) {
         if (Utils::Contains(disabled, plugin)) {
             continue;
         }
         if (Kind* const module = TryToStart(plugin, kind)) {
-            started.push_back(module);
+            started.push_back({plugin, module});
         }
     }
     return started;

@@ -10,12 +10,18 @@
 
 namespace Tarnex::Core {
 
-/// The modules that the core has started; each kind in the order of `plugins.list`. Never freed:
-/// modules stay loaded until the process ends.
+/// A started module and the plugin that it belongs to.
+template <class Kind>
+struct Started {
+    std::string plugin;
+    Kind* module;  ///< never freed: modules stay loaded until the process ends
+};
+
+/// The modules that the core has started; each kind in the order of `plugins.list`.
 struct StartedModules {
-    std::vector<Module::ICodecModule*> codecs;
-    std::vector<Module::IParserModule*> parsers;
-    std::vector<Module::IMuxerModule*> muxers;
+    std::vector<Started<Module::ICodecModule>> codecs;
+    std::vector<Started<Module::IParserModule>> parsers;
+    std::vector<Started<Module::IMuxerModule>> muxers;
 };
 
 /// Starts the modules of all three kinds, except those of `disabledPlugins`. Skips modules that

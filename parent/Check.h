@@ -14,12 +14,7 @@
 
 namespace Tarnex::Parent {
 
-/// A name in the options that there isn't; the text says which there are.
-class UnknownName : public Exception {
-public:
-    using Exception::Exception;
-};
-
+/// What the user wants of a check.
 struct CheckOptions {
     bool plugins = false;
     bool codecs = false;
@@ -27,8 +22,11 @@ struct CheckOptions {
     std::vector<std::string> pluginNames;      ///< empty: all
     std::vector<std::string> implementations;  ///< empty: all
     std::vector<std::string> codecIds;         ///< empty: all
+    std::vector<std::string> skip;             ///< names of items that are left out
+    std::string depth = "exercise";            ///< or "load" or "stress"
     std::chrono::seconds itemTime{20};
-    unsigned int jobs = 1;          ///< runs side by side, at least 1
+    std::optional<std::chrono::seconds> time;  ///< for the whole check; none: as long as it takes
+    unsigned int jobs = 1;                     ///< runs side by side, at least 1
     boost::filesystem::path lists;  ///< folder for the list files that `repro` commands need
     int stop = -1;                  ///< a descriptor; once it is readable the check ends early
 
@@ -54,8 +52,17 @@ struct RunFacts {
 struct Listing {
     /// Codec ids by implementation and coder type ("Decoder", "Encoder").
     std::map<std::string, std::map<std::string, std::set<std::string>>> codecs;
-    std::vector<std::string>
-        files;  ///< mapped in its process after the modules listed their codecs
+};
+
+/// An item for each test, sorted by name.
+std::vector<Item> ToItems(const Listing& listing);
+
+/// Verdicts taken over from earlier checks: these items aren't touched.
+struct Carried {
+    std::vector<Item> exercises;
+    std::set<std::string> listed;  ///< modules all of whose exercises are here: they aren't listed
+    std::vector<Item> codecs;
+    bool allCodecs = false;  ///< no others are offered: the media core isn't asked
 };
 
 struct Progress {
@@ -77,17 +84,21 @@ public:
     /// What a run wrote on standard error, as it arrives; `run` is its index in
     /// `CheckResult::runs`.
     virtual void OnOutput(std::size_t run, std::string_view bytes) = 0;
-    /// The codecs are known. May decide items (`carried`): what isn't `NotReached` isn't tested.
-    virtual void OnListing(const Listing& listing, std::vector<Item>& codecs) = 0;
+    /// A run is about to start. `names`: all that it and the runs under way may touch.
+    virtual void OnOpen(const std::vector<std::string>& names) = 0;
 };
 
 struct CheckResult {
     bool complete = false;
-    bool badEnd = false;             ///< a run ended badly after its last item
+    std::string badEnd;              ///< how a run ended badly after its last item; or empty
     std::string problem;             ///< why not; empty if complete
     std::vector<std::string> notes;  ///< what a person should know and no item holds
-    std::vector<Item> items;         ///< plugins in the order of the check, then codecs by name
-    std::vector<RunFacts> runs;      ///< in the order of start
+    /// Plugins in the order of the check, exercises in the order of their plugins, codecs by name.
+    std::vector<Item> items;
+    std::vector<RunFacts> runs;  ///< in the order of start
+    /// Files that processes had mapped, links resolved: the one that listed the good modules'
+    /// plugins, and those that tested codecs.
+    std::set<std::string> moduleFiles, codecFiles;
 };
 
 /// The plugins of an installation in the order of the check, `OglManager` first, each name once,
@@ -96,11 +107,17 @@ struct CheckResult {
 std::vector<Item> ListPlugins(const boost::filesystem::path& application);
 
 /// Checks an installation; see the options. `plugins` is what `ListPlugins` gave; an item that has
-/// a verdict other than `NotReached` (missing, or carried from an earlier report) isn't touched.
-/// Throws `UnknownName` for a name in the options that there isn't, `Tarnex::Exception` for an
-/// installation without Assayer, or a list file that can't be written. What goes wrong with the
-/// program under way stands in the result.
-CheckResult RunCheck(const CheckOptions& options, std::vector<Item> plugins,
+/// a verdict other than `NotReached` (missing, or carried) isn't touched. Throws
+/// `Tarnex::Exception` for an installation without Assayer, or a list file that can't be written.
+/// What goes wrong with the program under way stands in the result.
+CheckResult RunCheck(const CheckOptions& options, std::vector<Item> plugins, Carried carried,
                      CheckListener& listener);
+
+/// What the media core offers, asked once, within the time of an item; none if it doesn't start so.
+std::optional<Listing> AskForCodecs(const CheckOptions& options, CheckListener& listener);
+
+/// What the media core offers, without those `plugins` that are bad. Throws `Tarnex::Exception` if
+/// it can't be listed, else the same.
+Listing ListCodecs(const CheckOptions& options, std::vector<Item> plugins, CheckListener& listener);
 
 }  // namespace Tarnex::Parent

@@ -13,15 +13,12 @@ Names Without(Names names, const Names& others) {
     return names;
 }
 
-/// What the core loads when it starts.
-bool IsOfCore(const std::string& factory) {
-    return factory == Core::CODEC_FACTORY || factory == Core::MUXER_FACTORY ||
-           factory == Core::PARSER_FACTORY;
-}
-
 /// An exception's text is the helper's last words, after its name.
 Attempt ToAttempt(const Run& run) {
-    const std::string mark = std::string(HELPER) + ": ";
+    if (run.job.follower.unwatched) {
+        return KilledKeeper();
+    }
+    const std::string mark = "assayer-list: ";
     const std::size_t text = run.lastWords.rfind(mark);
     const bool told = FromEnd(run.end).reason == "1" && text != std::string::npos;
     Attempt attempt =
@@ -35,8 +32,7 @@ std::optional<Listing> Parse(const std::string& output) {
     const std::size_t line = output.rfind("{\"codecs\"");
     try {
         const auto json = nlohmann::json::parse(output.substr(std::min(line, output.size())));
-        return Listing{json.at("codecs").get<decltype(Listing::codecs)>(),
-                       json.at("files").get<Names>()};
+        return Listing{json.at("codecs").get<decltype(Listing::codecs)>()};
     } catch (const nlohmann::json::exception&) {
         return std::nullopt;
     }
@@ -52,6 +48,8 @@ public:
             }
         }
     }
+
+    std::optional<Listing> Ask() { return TryWith(candidates, session.options.itemTime).listing; }
 
     Listing List() {
         Start start = TryWith(candidates);
@@ -69,20 +67,28 @@ private:
     struct Start {
         std::optional<Listing> listing;
         Attempt attempt;
-        Names arguments;
+        Names command;
     };
 
     Start TryWith(const Names& names) {
-        Names without = Without(candidates, names);
-        without.insert(without.end(), leftOut.begin(), leftOut.end());
-        Job job;
-        job.helper = true;
-        if (!without.empty()) {
-            job.arguments = {"--without", Join(without)};
+        return TryWith(names, session.options.itemTime * (1 + names.size()));
+    }
+
+    Start TryWith(const Names& names, std::chrono::seconds time) {
+        Names arguments;
+        if (const Names without = Without(candidates, names);
+            !without.empty() || !leftOut.empty()) {
+            Names all = leftOut;
+            all.insert(all.end(), without.begin(), without.end());
+            arguments = {"--without", Join(all)};
         }
+        Job job = session.MakeHelperJob(session.installation.GetLister(), arguments, Follower());
+        job.keepOutput = true;
+        job.startTime = job.wholeTime = time;
         Start start;
-        session.RunAll({job}, [&](const Run& run) {
-            start = {run.end.status == 0 ? Parse(run.output) : std::nullopt, {}, job.arguments};
+        session.runs.RunAll({job}, [&](const Run& run) {
+            const bool isWhole = run.end.status == 0 && !run.job.follower.unwatched;
+            start = {isWhole ? Parse(run.output) : std::nullopt, {}, ToCommand(job)};
             start.attempt = start.listing ? Attempt() : ToAttempt(run);
         });
         return start;
@@ -116,8 +122,7 @@ private:
         Item& item = *std::ranges::find(plugins, name, &Item::name);
         Judge(item, seen.attempt, alone.attempt);
         item.phase = "core start";
-        item.repro = ToRepro(session.options, alone.arguments);
-        item.repro.front() = (session.options.application / HELPER).native();
+        item.repro = alone.command;
     }
 
     Session& session;
@@ -128,9 +133,19 @@ private:
 
 }  // namespace
 
+std::optional<Listing> AskForCodecs(Session& session) {
+    std::vector<Item> none;
+    Names leftOut;
+    return CoreStart(session, none, leftOut).Ask();
+}
+
 Listing ListCodecs(Session& session, std::vector<Item>& plugins, Names& leftOut) {
     for (const Item& item : plugins) {
-        if (item.verdict == Verdict::Failed || EndsRuns(item.verdict)) {
+        const bool isBad = item.verdict == Verdict::Failed || EndsRuns(item.verdict);
+        const bool isOfCore = std::ranges::any_of(session.order, [&](const auto& place) {
+            return place.name == item.name && IsOfCore(place.factory);
+        });
+        if (isBad && isOfCore) {
             leftOut.push_back(item.name);
         }
     }

@@ -7,14 +7,18 @@ namespace Tarnex::Parent {
 namespace {
 
 /// In the order of the enumeration.
-constexpr std::array<std::string_view, 10> NAMES = {"not-reached", "good",    "failed", "tolerated",
-                                                    "no-material", "crashed", "ended",  "hung",
-                                                    "unsteady",    "missing"};
+constexpr std::array<std::string_view, 11> NAMES = {
+    "not-reached", "good", "failed",   "tolerated", "no-material", "crashed",
+    "ended",       "hung", "unsteady", "missing",   "unavailable"};
 
 }  // namespace
 
 std::string_view ToString(Verdict verdict) {
     return NAMES.at(static_cast<std::size_t>(verdict));
+}
+
+std::span<const std::string_view> GetVerdictNames() {
+    return NAMES;
 }
 
 std::optional<Verdict> ParseVerdict(std::string_view name) {

@@ -1,29 +1,25 @@
 #include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
-#include "parent/Minimize.h"
+#include "parent/Company.h"
 #include "parent/Phases.h"
+#include "parent/PluginRuns.h"
+#include "parent/RunSpoilers.h"
+#include "parent/Trials.h"
 
 namespace Tarnex::Parent {
 namespace {
 
-constexpr int MAX_COMPANY_RUNS = 64;
-constexpr std::chrono::minutes MAX_COMPANY_TIME{2};
-/// What only a crowd does, none of it does: it uses something up.
-constexpr std::size_t MOST_SPOILERS = 3;
-
-/// Was bad in company.
-struct Suspect {
-    std::string name;
-    Attempt seen;
-    Names before;  // loaded before it in that run
-    Attempt alone{};
-};
-
 class PluginPhase {
 public:
     PluginPhase(Session& session, std::vector<Item>& plugins)
-        : session(session), plugins(plugins) {}
+        : session(session), plugins(plugins), loads(session) {
+        for (Item& item : plugins) {
+            byName[item.name] = &item;
+        }
+    }
 
     void Check() {
         try {
@@ -37,28 +33,41 @@ public:
 
 private:
     void CheckAll() {
-        session.progress = {"plugins", 0, Loadable().size(), {}, {}};
-        while (session.progress.total > 0 && Loop()) {
+        const Names wanted = Loadable();
+        session.runs.progress = {"plugins", 0, wanted.size(), {}, {}};
+        while (session.runs.progress.total > 0 && Loop()) {
         }
+        spoilersOfEnd = FindSpoilersOfEnd(session, loads, loadedAtBadEnd);
+        CompanySearch search(session, loads, byName);
         while (!suspects.empty()) {
-            session.progress.phase = "trials";
-            const std::vector<Suspect> unsteady = TrySuspects();
-            session.progress.phase = "company";
-            for (const Suspect& suspect : unsteady) {
-                FindCompany(suspect);
-            }
+            session.runs.progress.phase = "trials";
+            std::vector<Victim> unsteady = TryThem();
+            session.runs.progress.phase = "company";
+            suspects = search.Find(std::move(unsteady));
         }
     }
 
     void DecidePassed() {
         for (const auto& [name, attempt] : passed) {
-            if (IsOpen(Find(name))) {
-                Judge(Find(name), attempt, attempt);
+            if (Item& item = *byName.at(name); IsOpen(item)) {
+                Judge(item, attempt, attempt);
             }
+        }
+        if (!spoilersOfEnd.empty()) {
+            NameSpoilersOfEnd();
         }
     }
 
-    Item& Find(const std::string& name) { return *std::ranges::find(plugins, name, &Item::name); }
+    void NameSpoilersOfEnd() {
+        std::string& badEnd = session.result.badEnd;
+        const Job job = loads.MakeJob(spoilersOfEnd, session.NextFile("end", "list"));
+        for (const std::string& name : spoilersOfEnd) {
+            Item& item = *byName.at(name);
+            item.remarks.push_back("makes its process end badly after all work is done: " + badEnd);
+            item.repro = IsBad(item.verdict) ? item.repro : ToCommand(job);
+        }
+        badEnd += ", with " + Join(spoilersOfEnd) + " loaded";
+    }
 
     bool IsOpen(const Item& item) const {
         return item.verdict == Verdict::NotReached && session.options.Wants(item);
@@ -74,169 +83,113 @@ private:
         return names;
     }
 
-    /// A run that loads these, at all their places after the culprit, and nothing else.
-    Job LoadJob(const Names& names, const std::string& listName, const std::string& culprit = {}) {
-        Names expected, others;
-        bool begun = culprit.empty();
-        for (const auto& [name, factory] : session.order) {
-            if (!Contains(names, name)) {
-                others.push_back(name);
-            } else if (begun) {
-                expected.push_back(name);
-            }
-            begun = begun || name == culprit;
-        }
-        return session.MakeJob(ItemKind::Plugin, expected,
-                               {{6, session.WriteList(listName, others)}, {8, culprit}});
-    }
-
     /// One run over what is left; false once all was loaded.
     bool Loop() {
-        Watch watch;
-        session.RunAll({LoadJob(Loadable(), "known.list", after)}, [&](const Run& run) {
-            watch = run.job.watch;
-            TakePassed(watch);
+        bool goesOn = false;
+        std::optional<Follower> unwatched;
+        session.runs.RunAll({loads.MakeJob(Loadable(), "known.list", after)}, [&](const Run& run) {
+            loadedAtBadEnd = EndsBadly(run) ? run.job.follower.begun : Names();
+            if (run.job.follower.unwatched) {
+                unwatched = run.job.follower;
+            } else {
+                goesOn = Take(run.job.follower);
+            }
         });
-        if (!watch.finished && MarkVanished(watch)) {
-            return true;
+        if (unwatched) {
+            goesOn = TakeKeeperKillers(*unwatched) || Take(*unwatched);
         }
-        TakeBad(watch);
-        session.progress.done = passed.size() + suspects.size();
-        after = watch.culprit;
-        culprits.insert(after);
-        return !watch.finished && !after.empty();
+        session.runs.progress.done = passed.size() + suspects.size();
+        return goesOn;
     }
 
-    void TakePassed(const Watch& watch) {
-        for (const auto& [name, attempt] : watch.attempts) {
-            if (!IsBad(attempt.verdict)) {
+    /// What else the run saw doesn't count: it goes again without them. False if there are none.
+    bool TakeKeeperKillers(const Follower& follower) {
+        const Names killers = FindKeeperKillers(session, loads, follower.begun);
+        for (const std::string& name : killers) {
+            AddSuspect(name, KilledKeeper(), std::make_shared<const Names>(follower.begun));
+            culprits.insert(name);
+        }
+        return !killers.empty();
+    }
+
+    /// Whether there may be more to load.
+    bool Take(const Follower& follower) {
+        const auto names = std::make_shared<const Names>(follower.begun);
+        for (const auto& [name, attempt] : follower.attempts) {
+            if (IsBad(attempt.verdict)) {
+                AddSuspect(name, attempt, names);
+            } else {
                 passed[name] = attempt;
             }
         }
+        MarkVanished(follower.absent);
+        after = follower.culprit;
+        culprits.insert(after);
+        return !follower.finished && !after.empty();
     }
 
-    void TakeBad(const Watch& watch) {
-        for (const auto& [name, attempt] : watch.attempts) {
-            if (IsBad(attempt.verdict)) {
-                const auto place = std::ranges::find(watch.begun, name);
-                suspects.push_back({name, attempt, {watch.begun.begin(), place}});
-            }
-        }
+    void AddSuspect(const std::string& name, const Attempt& seen,
+                    const std::shared_ptr<const Names>& run) {
+        const auto place = std::ranges::find(*run, name) - run->begin();
+        suspects.push_back({{name, seen}, run, static_cast<std::size_t>(place)});
     }
 
     /// Somebody may remove a module while we are at work: Assayer passes it over then.
-    bool MarkVanished(const Watch& watch) {
-        bool any = false;
-        for (const std::string& name : watch.Untouched()) {
-            if (IsOpen(Find(name)) && !HasModule(session.options.application, name)) {
-                Find(name).verdict = Verdict::Missing;
-                any = true;
+    void MarkVanished(const std::set<std::string>& absent) {
+        for (const std::string& name : absent) {
+            const auto item = byName.find(name);
+            if (item != byName.end() && IsOpen(*item->second) &&
+                !session.installation.HasModule(name)) {
+                item->second->verdict = Verdict::Missing;
             }
         }
-        return any;
     }
 
     /// Gives those that turned out unsteady.
-    std::vector<Suspect> TrySuspects() {
-        std::vector<Suspect> tried = std::exchange(suspects, {});
-        std::vector<Job> jobs;
-        for (const Suspect& suspect : tried) {
-            jobs.push_back(LoadJob({suspect.name}, NextList("alone")));
-            jobs.back().alone = NeedsQuiet(suspect.seen);
-        }
-        session.RunAll(std::move(jobs), [&](const Run& run) {
-            for (const auto& [name, attempt] : run.job.watch.attempts) {
-                Suspect& suspect = *std::ranges::find(tried, name, &Suspect::name);
-                suspect.alone = attempt;
-                Decide(suspect, run.job.arguments);
+    std::vector<Victim> TryThem() {
+        std::vector<Victim> victims = std::exchange(suspects, {});
+        std::vector<Suspect> tried;
+        std::ranges::transform(victims, std::back_inserter(tried), &Victim::suspect);
+        TrySuspects(
+            session.runs, tried,
+            [this](const std::string& name) {
+                return loads.MakeJob({name}, session.NextFile("alone", "list"));
+            },
+            [this](const Suspect& suspect) { Decide(suspect); });
+        std::vector<Victim> unsteady;
+        for (std::size_t i = 0; i < victims.size(); ++i) {
+            if (byName.at(tried[i].name)->verdict == Verdict::Unsteady) {
+                victims[i].suspect = tried[i];
+                unsteady.push_back(std::move(victims[i]));
             }
-        });
-        std::erase_if(tried, [this](const Suspect& suspect) {
-            return Find(suspect.name).verdict != Verdict::Unsteady;
-        });
-        return tried;
+        }
+        return unsteady;
     }
 
-    void Decide(const Suspect& suspect, const Names& arguments) {
-        Item& item = Find(suspect.name);
-        Judge(item, suspect.seen, suspect.alone);
-        if (IsBad(suspect.alone.verdict)) {
-            item.repro = ToRepro(session.options, arguments);
+    void Decide(const Suspect& suspect) {
+        Item& item = *byName.at(suspect.name);
+        if (!suspect.alone) {
+            MarkVanished({suspect.name});
+            return;
+        }
+        Judge(item, suspect.seen, *suspect.alone);
+        if (IsBad(suspect.alone->verdict)) {
+            item.repro = suspect.trial;
         }
         if (EndsRuns(item.verdict)) {
             session.Tell(item);
         }
     }
 
-    /// Not of a hang: each question may take as long as an item may.
-    void FindCompany(const Suspect& suspect) {
-        Item& item = Find(suspect.name);
-        Names company = suspect.before;
-        const bool again = suspect.seen.verdict != Verdict::Hung && !company.empty() &&
-                           IsBadAmong(company, suspect);
-        if (again) {
-            company = Shrink(company, suspect);
-        }
-        if (!company.empty() && WasBlamedFalsely(suspect, company)) {
-            return;
-        }
-        if (again) {
-            item.company = company;
-        }
-        for (const std::string& name : item.company) {
-            if (company.size() <= MOST_SPOILERS) {
-                Find(name).spoils.push_back(item.name);
-            }
-        }
-        company.push_back(item.name);
-        item.repro = ToRepro(session.options, LoadJob(company, NextList("company")).arguments);
-    }
-
-    Names Shrink(const Names& company, const Suspect& suspect) {
-        int left = MAX_COMPANY_RUNS - 1;
-        const Clock::time_point until = Clock::now() + MAX_COMPANY_TIME;
-        return Minimize(
-            company, [&](const Names& part) { return IsBadAmong(part, suspect); },
-            [&] { return left-- > 0 && Clock::now() < until; });
-    }
-
-    bool IsBadAmong(const Names& names, const Suspect& suspect) {
-        Names all = names;
-        all.push_back(suspect.name);
-        const Watch watch = session.RunOne(LoadJob(all, "company.list"));
-        const auto attempt = watch.attempts.find(suspect.name);
-        return attempt != watch.attempts.end() && IsSame(attempt->second, suspect.seen);
-    }
-
-    /// A module can write records about others. Who is told of in a run that doesn't load it was
-    /// blamed by such records: its trial counts, and whoever was bad in that run is suspected.
-    bool WasBlamedFalsely(const Suspect& suspect, const Names& company) {
-        const Watch control = session.RunOne(LoadJob(company, "company.list"));
-        if (!Contains(control.strays, suspect.name)) {
-            return false;
-        }
-        Judge(Find(suspect.name), suspect.alone, suspect.alone);
-        session.Note("Records that blamed " + suspect.name + " came from another module, of " +
-                     Join(company));
-        for (const auto& [name, attempt] : control.attempts) {
-            if (IsBad(attempt.verdict) && IsOpen(Find(name))) {
-                suspects.push_back({name, attempt, {}});
-            }
-        }
-        return true;
-    }
-
-    std::string NextList(const std::string& stem) {
-        return stem + "-" + std::to_string(++lists) + ".list";
-    }
-
     Session& session;
     std::vector<Item>& plugins;
+    PluginRuns loads;
+    std::unordered_map<std::string, Item*> byName;
     std::string after;  // the culprit of the last run
-    std::set<std::string> culprits;
+    std::unordered_set<std::string> culprits;
     std::map<std::string, Attempt> passed;
-    std::vector<Suspect> suspects;
-    int lists = 0;
+    std::vector<Victim> suspects;
+    Names loadedAtBadEnd, spoilersOfEnd;
 };
 
 }  // namespace

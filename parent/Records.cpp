@@ -1,90 +1,188 @@
 #include "parent/Records.h"
 
 #include <algorithm>
-#include <array>
-
-#include "core/support/Constants.h"
+#include <cctype>
+#include <cstdlib>
+#include <optional>
+#include <utility>
 
 namespace Tarnex::Parent {
 namespace {
 
-using namespace Core::Utils;  // NOLINT(google-build-using-namespace)
-
-constexpr std::array<std::string_view, 9> TAGS = {
-    STATISTICS_TAG, CODECS_TAG,           ERROR_TAG,
-    WARNING_TAG,    TEST_CODEC_TAG,       TESTED_CODECS_TAG,
-    PLUGINS_TAG,    LOAD_PLUGIN_NAME_TAG, LOADED_PLUGINS_TAG};
-
-/// "] [LOAD_PLUGIN_NAME]"
-constexpr std::size_t LONGEST_MARK = 20;
+/// Between the prefix and the tag.
+constexpr std::string_view MARK = "] [";
+/// Bytes. The source file's name and the widest numbers leave room.
+constexpr std::size_t LONGEST_PREFIX = 120;
 /// A record is cut at 30,000 bytes; what is this long with a module's own output in it isn't one.
 constexpr std::size_t LONGEST_RECORD = 65536;
 
-struct Opening {
-    std::size_t begin = std::string::npos;
-    std::size_t end = std::string::npos;
-    std::string_view tag;
+struct Prefix {
+    std::size_t begin;
+    long thread;
 };
 
-Opening FindOpening(std::string_view text, std::size_t from) {
-    constexpr std::string_view MARK = "] [";
-    for (auto at = text.find(MARK, from); at != text.npos; at = text.find(MARK, at + 1)) {
-        for (const std::string_view tag : TAGS) {
-            const std::size_t begin = at + MARK.size();
-            if (text.substr(begin).starts_with(std::string(tag) + "]")) {
-                return {at, begin + tag.size() + 1, tag};
-            }
-        }
+long ReadDigits(std::string_view text) {
+    std::string digits;
+    std::ranges::copy_if(text, std::back_inserter(digits),
+                         [](unsigned char byte) { return std::isdigit(byte) != 0; });
+    return digits.size() > 10 ? 0 : std::strtol(digits.c_str(), nullptr, 10);
+}
+
+/// The end of `text` as a prefix: "E20261123 07:45:31.922710 11142 Logging.cpp:19". A module's
+/// locale may group the digits of each number.
+std::optional<Prefix> FindPrefix(std::string_view text) {
+    const std::size_t source = text.rfind(' ');
+    if (source == text.npos || text.find(':', source) == text.npos) {
+        return std::nullopt;
     }
-    return {};
+    const std::size_t clock = text.rfind(':', source);
+    const std::size_t date = clock == text.npos ? text.npos : text.rfind(' ', clock);
+    const std::size_t begin = date == text.npos ? text.npos : text.find_last_of("IWEF", date);
+    if (begin == text.npos || text.find(' ', begin) != date) {
+        return std::nullopt;
+    }
+    const std::size_t number = text.find(' ', clock);
+    const long thread = ReadDigits(text.substr(number, source - number));
+    return thread == 0 ? std::nullopt : std::optional<Prefix>({begin, thread});
+}
+
+std::size_t LongestMark(const std::vector<std::string_view>& tags) {
+    std::size_t longest = 0;
+    for (const std::string_view tag : tags) {
+        longest = std::max(longest, MARK.size() + tag.size() + 1);
+    }
+    return longest;
 }
 
 }  // namespace
 
+struct RecordReader::Opening {
+    std::size_t begin;    // of its prefix
+    std::size_t message;  // where that begins
+    std::string_view tag;
+    long thread;
+};
+
+RecordReader::RecordReader(const std::vector<std::string_view>& tags, TakeRecord take,
+                           TakeText takeText)
+    : tags(tags),
+      longestMark(LongestMark(tags)),
+      take(std::move(take)),
+      takeText(std::move(takeText)) {}
+
 void RecordReader::Feed(std::string_view bytes) {
-    text += bytes;
-    while (Advance()) {
+    buffer += bytes;
+    while (Step()) {
+    }
+    if (tag.empty()) {
+        Discard(seen - std::min(seen, LONGEST_PREFIX));
+    }
+    if (begin > buffer.size() / 2) {
+        buffer.erase(0, begin);
+        seen -= begin;
+        begin = 0;
     }
 }
 
 void RecordReader::Finish() {
-    End(WholeLines(text.size()), text.size(), {});
+    isLast = true;
+    Feed({});
+    if (tag.empty()) {
+        Discard(buffer.size());
+    } else {
+        End(WholeLines(buffer.size()), buffer.size());
+    }
 }
 
-/// True if it found an end.
-bool RecordReader::Advance() {
-    const std::string closing = "[/" + std::string(tag) + "]";
-    const std::size_t end = tag.empty() ? text.npos : text.find(closing, seen);
-    const Opening next = FindOpening(std::string_view(text).substr(0, end), seen);
-    const std::size_t first = std::min(end, next.begin);
-    if (first > LONGEST_RECORD && text.size() < LONGEST_RECORD + LONGEST_MARK) {
-        seen = text.size() - std::min(text.size(), LONGEST_MARK - 1);
+/// Goes on to the next place where a record may begin or end. False if there is none yet.
+bool RecordReader::Step() {
+    const std::size_t at = std::min(buffer.find('[', seen), buffer.size());
+    if (!tag.empty() && at > begin + LONGEST_RECORD) {
+        End(WholeLines(begin + LONGEST_RECORD), begin + LONGEST_RECORD);
+        return true;
+    }
+    if (at == buffer.size()) {
+        seen = at;
         return false;
     }
-    if (first > LONGEST_RECORD) {
-        End(WholeLines(LONGEST_RECORD), LONGEST_RECORD, {});
-    } else if (first == end) {
-        End(end, end + closing.size(), {});
-    } else {
-        End(WholeLines(next.begin), next.end, next.tag);
+    seen = at + 1;
+    if (!tag.empty() && IsClosing(at)) {
+        End(at, at + closing.size());
+    } else if (const auto opening = FindOpening(at)) {
+        Open(*opening);
+    } else if (!isLast && buffer.size() - at <= longestMark) {
+        seen = at;  // It may become one.
+        return false;
     }
     return true;
 }
 
-void RecordReader::End(std::size_t length, std::size_t next, std::string_view nextTag) {
-    const Record record{tag, text.substr(0, length)};
-    text.erase(0, next);
-    tag = nextTag;
-    seen = 0;
-    if (!record.tag.empty()) {
-        take(record);
+bool RecordReader::IsClosing(std::size_t at) const {
+    return std::string_view(buffer).substr(at).starts_with(closing);
+}
+
+/// Of a line of the open record.
+bool RecordReader::IsLineBegin(std::size_t at) const {
+    return at > begin && buffer[at - 1] == '\n';
+}
+
+/// What begins with the bracket there. A message may hold anything: a record with a prefix is ended
+/// only by one with a prefix, at the beginning of a line or of the same thread.
+std::optional<RecordReader::Opening> RecordReader::FindOpening(std::size_t at) const {
+    const std::string_view text = buffer;
+    const std::size_t mark = at + 1 - std::min(at + 1, MARK.size());
+    if (!text.substr(mark).starts_with(MARK)) {
+        return std::nullopt;
+    }
+    const auto found = std::ranges::find_if(tags, [&](std::string_view candidate) {
+        return text.substr(at + 1).starts_with(candidate) &&
+               text.substr(at + 1 + candidate.size()).starts_with(']');
+    });
+    if (found == tags.end()) {
+        return std::nullopt;
+    }
+    const std::size_t from = std::max(begin, mark - std::min(mark, LONGEST_PREFIX));
+    const auto prefix = FindPrefix(text.substr(from, mark - from));
+    if (!tag.empty() && thread != 0 &&
+        !(prefix && (prefix->thread == thread || IsLineBegin(from + prefix->begin)))) {
+        return std::nullopt;
+    }
+    return Opening{prefix ? from + prefix->begin : mark, at + found->size() + 2, *found,
+                   prefix ? prefix->thread : 0};
+}
+
+void RecordReader::Open(const Opening& opening) {
+    if (tag.empty()) {
+        Discard(opening.begin);
+    } else {
+        End(WholeLines(opening.begin), opening.message);
+    }
+    begin = seen = opening.message;
+    tag = opening.tag;
+    thread = opening.thread;
+    closing = "[/" + std::string(tag) + "]";
+}
+
+/// The record that is open; what follows it begins at `next`.
+void RecordReader::End(std::size_t end, std::size_t next) {
+    const Record record{tag, buffer.substr(begin, end - begin), thread};
+    tag = {};
+    begin = seen = next;
+    take(record);
+}
+
+void RecordReader::Discard(std::size_t end) {
+    if (end > begin) {
+        takeText(std::string_view(buffer).substr(begin, end - begin));
+        begin = end;
     }
 }
 
-/// What is left of a cut record.
-std::size_t RecordReader::WholeLines(std::size_t length) const {
-    const std::size_t line = std::string_view(text).substr(0, length).rfind('\n');
-    return line == text.npos ? 0 : line;
+/// Where the whole lines of a cut record end that is so long.
+std::size_t RecordReader::WholeLines(std::size_t end) const {
+    const std::string_view message = std::string_view(buffer).substr(begin, end - begin);
+    const std::size_t line = message.rfind('\n');
+    return begin + (line == message.npos ? 0 : line);
 }
 
 }  // namespace Tarnex::Parent

@@ -5,37 +5,24 @@
 #include <boost/filesystem.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <system_error>
-#include <utility>
 
+#include "core/media/PluginFactories.h"
 #include "core/support/Constants.h"
 #include "core/support/ModuleOptions.h"
-#include "platform/Environment.h"
 
 namespace Tarnex::Parent {
 namespace {
 
-using std::chrono::milliseconds;
-
-constexpr milliseconds PROGRESS_TIME{200};
 /// Of the program's command line, and the most that it takes for a time.
 constexpr std::size_t POSITIONS = 10;
 constexpr std::uint64_t MOST_SECONDS = 4294967295;
 
-/// The status of an error that isn't an item's, as the protocol has it.
-bool ForbidsToGoOn(const Run& run) {
-    const std::optional<int>& status = run.end.status;
-    return !run.job.helper && ((status == 3 && run.job.watch.begun.empty()) ||
-                               (status >= 4 && status <= 6 && run.job.watch.failedItself));
-}
-
-/// After all that it should touch.
-bool EndsBadly(const Run& run) {
-    const std::optional<int>& status = run.end.status;
-    const bool isFine = status == 0 || (status >= 7 && status <= 10);
-    return run.job.watch.finished && !isFine;
+Runs::Limits GetLimits(const CheckOptions& options) {
+    const auto until = options.time ? Clock::now() + *options.time : Clock::time_point::max();
+    return {options.jobs, options.stop, until};
 }
 
 }  // namespace
@@ -44,185 +31,67 @@ Session::Session(const CheckOptions& options, CheckListener& listener, CheckResu
     : options(options),
       listener(listener),
       result(result),
-      order(ReadPluginOrder(options.application)),
-      // These would turn the records away from standard error.
-      environment(Platform::GetEnvironmentWithout({"GLOG_", "LOCALAPPDATA="})) {}
+      installation(options.application),
+      order(installation.ReadOrder()),
+      runs(GetLimits(options), listener, result) {}
 
-void Session::Drain(const Next& next, const std::function<void(const Run&)>& take) {
-    try {
-        while (Fill(next), !active.empty()) {
-            Await();
-            AdvanceAll(take);
-        }
-    } catch (...) {
-        waiting.clear();
-        for (const auto& run : std::exchange(active, {})) {
-            run->Stop();
-            AddFacts(*run);
-            take(*run);
-        }
-        throw;
-    }
-}
-
-void Session::RunAll(std::vector<Job> jobs, const std::function<void(const Run&)>& take) {
-    std::stable_partition(jobs.begin(), jobs.end(), [](const Job& job) { return !job.alone; });
-    auto job = jobs.begin();
-    const auto next = [&] {
-        return job == jobs.end() ? std::nullopt : std::optional(std::move(*job++));
-    };
-    Drain(next, take);
-}
-
-Watch Session::RunOne(const Job& job) {
-    Watch watch;
-    RunAll({job}, [&](const Run& run) { watch = run.job.watch; });
-    return watch;
-}
-
-void Session::Fill(const Next& next) {
-    while (active.size() < options.jobs && (active.empty() || !active.front()->job.alone)) {
-        if (waiting.empty()) {
-            std::optional<Job> job = next();
-            if (!job) {
-                return;
-            }
-            waiting.push_back(std::move(*job));
-        }
-        if (waiting.front().alone && !active.empty()) {
-            return;
-        }
-        Start(std::move(waiting.front()));
-        waiting.pop_front();
-    }
-}
-
-void Session::Start(Job job) {
-    RunFacts facts{.arguments = job.arguments, .end = {}, .seconds = 0};
-    if (job.helper) {
-        facts.arguments.insert(facts.arguments.begin(), HELPER);
-    }
-    try {
-        active.push_back(std::make_unique<Run>(options, listener, result.runs.size(), environment,
-                                               std::move(job)));
-    } catch (const std::system_error& error) {
-        throw CheckFailure(error.what());
-    }
-    result.runs.push_back(std::move(facts));
-}
-
-void Session::Await() {
-    std::vector<pollfd> descriptors{{options.stop, POLLIN, 0}};
-    Clock::time_point until = Clock::now() + PROGRESS_TIME;
-    for (const auto& run : active) {
-        run->process.AddTo(descriptors);
-        until = std::min(until, run->deadline);
-    }
-    const auto wait = std::chrono::ceil<milliseconds>(until - Clock::now()).count();
-    poll(descriptors.data(), descriptors.size(), static_cast<int>(std::max<long>(wait, 0)));
-    if (descriptors.front().revents != 0) {
-        throw CheckFailure("stopped");
-    }
-}
-
-void Session::AdvanceAll(const std::function<void(const Run&)>& take) {
-    for (std::size_t i = 0; i < active.size();) {
-        if (!active[i]->Advance()) {
-            ++i;
-            continue;
-        }
-        const std::unique_ptr<Run> run = std::move(active[i]);
-        active.erase(active.begin() + static_cast<std::ptrdiff_t>(i));
-        AddFacts(*run);
-        if (!IsToRepeat(*run)) {
-            take(*run);
-        }
-    }
-    TellProgress();
-}
-
-void Session::AddFacts(const Run& run) {
-    result.runs[run.index].end = run.end;
-    result.runs[run.index].seconds = run.seconds;
-}
-
-/// Also takes what the end tells of more than items.
-bool Session::IsToRepeat(const Run& run) {
-    const Watch& watch = run.job.watch;
-    if (!run.survivors.empty()) {
-        Note("Still running, SIGKILL doesn't end it: " + run.survivors);
-    }
-    for (const std::string& name : watch.strays) {
-        Note("A record about " + name + " at a wrong place was ignored: a module wrote it");
-    }
-    result.badEnd = result.badEnd || EndsBadly(run);
-    if (ForbidsToGoOn(run)) {
-        throw CheckFailure("Assayer can't check: " + watch.lastError);
-    }
-    if (watch.expected.empty() || watch.finished || !watch.begun.empty()) {
-        return false;
-    }
-    if (run.job.repeated) {
-        throw PhaseFailure("Two runs ended before they named what they should touch (" +
-                           FromEnd(run.end).reason + "): " + run.lastWords);
-    }
-    Job again = run.job;
-    again.repeated = true;
-    again.watch = Watch(watch.kind, watch.expected);
-    waiting.push_front(std::move(again));
-    return true;
-}
-
-void Session::TellProgress() {
-    const Clock::time_point now = Clock::now();
-    if (now < lastProgress + PROGRESS_TIME / 2) {
-        return;
-    }
-    lastProgress = now;
-    Progress current = progress;
-    for (const auto& run : active) {
-        const Watch& watch = run->job.watch;
-        const auto open = std::chrono::duration_cast<milliseconds>(now - watch.openSince);
-        current.done += watch.attempts.size();
-        if (!watch.open.empty() && (current.touched.empty() || open > current.open)) {
-            current.touched = watch.open;
-            current.open = open;
-        }
-    }
-    current.done = std::min(current.done, current.total);
-    listener.OnProgress(current);
-}
-
-/// The time at the second position is one that no run reaches, because each item's own limit ends
-/// it before.
-Job Session::MakeJob(ItemKind kind, const Names& expected,
+/// The time at the second position is one that no run reaches, because the run's own limits end it
+/// before.
+Job Session::MakeJob(Work work, Names expected,
                      const std::map<std::size_t, std::string>& positions) const {
-    const auto each = static_cast<std::uint64_t>(options.itemTime.count());
     Job job;
+    job.program = installation.GetProgram();
+    const std::size_t starts = work == Work::TestCodecs ? 1 + CountCoreModules() : 1;
+    job.startTime = options.itemTime * starts;
+    job.stepTime = options.itemTime;
+    job.wholeTime = options.itemTime * (starts + expected.size() + 1);
     job.arguments = Names(POSITIONS, Core::Utils::EMPTY_VALUE);
-    job.arguments[0] = kind == ItemKind::Plugin ? "plugins" : "codecs";
-    job.arguments[1] = std::to_string(std::min(MOST_SECONDS, (expected.size() + 2) * each));
+    job.arguments[0] = work == Work::LoadPlugins ? "plugins" : "codecs";
+    job.arguments[1] = std::to_string(std::min(
+        MOST_SECONDS, static_cast<std::uint64_t>((job.wholeTime + options.itemTime).count())));
     for (const auto& [position, text] : positions) {
         job.arguments[position - 1] = text.empty() ? Core::Utils::EMPTY_VALUE : text;
     }
-    job.watch = Watch(kind, expected);
+    job.follower = Follower(work, std::move(expected));
     return job;
 }
 
-std::string Session::WriteList(const std::string& name, const Names& plugins) const {
-    if (plugins.empty()) {
-        return "";
-    }
+Job Session::MakeHelperJob(const boost::filesystem::path& program, Names arguments,
+                           Follower follower) const {
+    Job job;
+    job.program = program;
+    job.arguments = std::move(arguments);
+    job.startTime = job.stepTime = job.wholeTime = options.itemTime;
+    job.follower = std::move(follower);
+    return job;
+}
+
+std::size_t Session::CountCoreModules() const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(order, [](const auto& place) { return IsOfCore(place.factory); }));
+}
+
+std::string Session::WriteFile(const std::string& name, std::string_view text) const {
     std::string path = (boost::filesystem::absolute(options.lists) / name).native();
     boost::system::error_code ignored;
     boost::filesystem::create_directories(options.lists, ignored);
     std::ofstream file(path, std::ios::binary);
-    file << Core::Utils::ModuleOptionsToString({{"Plugins.Listed", plugins}},
-                                               Core::Utils::FormatType::Plugins);
+    file << text;
     if (!file.flush()) {
         throw CheckFailure("Can't write \"" + path + "\": " + std::strerror(errno));
     }
     return path;
+}
+
+std::string Session::WriteList(const std::string& name, const Names& plugins) const {
+    return plugins.empty() ? ""
+                           : WriteFile(name, Core::Utils::ModuleOptionsToString(
+                                                 {{"Plugins.Listed", plugins}},
+                                                 Core::Utils::FormatType::Plugins));
+}
+
+std::string Session::NextFile(const std::string& stem, const char* extension) {
+    return fmt::format("{}-{}.{}", stem, ++files, extension);
 }
 
 void Session::Tell(const Item& item) {
@@ -232,18 +101,23 @@ void Session::Tell(const Item& item) {
 }
 
 void Session::Note(const std::string& text) {
-    if (!Contains(result.notes, text)) {
+    if (notes.insert(text).second) {
         result.notes.push_back(text);
     }
+}
+
+bool IsOfCore(const std::string& factory) {
+    return factory == Core::CODEC_FACTORY || factory == Core::MUXER_FACTORY ||
+           factory == Core::PARSER_FACTORY;
 }
 
 std::string Join(const Names& names) {
     return fmt::to_string(fmt::join(names, ","));
 }
 
-Names ToRepro(const CheckOptions& options, const Names& arguments) {
-    Names command{(options.application / PROGRAM).native()};
-    command.insert(command.end(), arguments.begin(), arguments.end());
+Names ToCommand(const Job& job) {
+    Names command{job.program.native()};
+    command.insert(command.end(), job.arguments.begin(), job.arguments.end());
     return command;
 }
 

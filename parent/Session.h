@@ -1,49 +1,42 @@
 #pragma once
 
-#include <deque>
-#include <functional>
-#include <memory>
-#include <optional>
 #include <set>
+#include <unordered_map>
 
-#include "parent/Installation.h"
-#include "parent/Run.h"
+#include "core/support/Text.h"
+#include "installation/Installation.h"
+#include "parent/Runs.h"
 
 namespace Tarnex::Parent {
 
-/// No further run can help this phase; the text says why. Its items stay `NotReached`.
-class PhaseFailure : public Exception {
-    using Exception::Exception;
-};
+using Core::Utils::Contains;
 
-/// What the phases of a check have in common: above all the runs side by side, which one thread
-/// follows.
+/// What the phases of a check have in common.
 class Session {
 public:
-    /// `options.application` must be absolute. Throws as `ReadPluginOrder` does.
+    /// Throws as `Installation::ReadOrder` does.
     Session(const CheckOptions& options, CheckListener& listener, CheckResult& result);
 
-    /// Asked whenever there is room for another run; none means: not now.
-    using Next = std::function<std::optional<Job>()>;
-
-    /// Runs what `next` gives until it gives nothing and no run is left. One that ended before it
-    /// named an item is repeated once, then it is a `PhaseFailure`. Throws `CheckFailure` once the
-    /// stop descriptor is readable or a run's end forbids to go on; no run is left after a throw,
-    /// and `take` has got what they had seen.
-    void Drain(const Next& next, const std::function<void(const Run&)>& take);
-    /// All of these; those that have to be alone come last.
-    void RunAll(std::vector<Job> jobs, const std::function<void(const Run&)>& take);
-    /// One by itself.
-    Watch RunOne(const Job& job);
-
-    /// A run that should touch these, with texts for the program's positions from the third on, by
-    /// number. The others get the placeholder for nothing, as an empty text does.
-    Job MakeJob(ItemKind kind, const Names& expected,
+    /// A run of Assayer that should touch these, with texts for the program's positions from the
+    /// third on, by number. The others get the placeholder for nothing, as an empty text does.
+    Job MakeJob(Work work, Names expected,
                 const std::map<std::size_t, std::string>& positions) const;
 
-    /// Writes a plugin list into the folder for lists and gives its path; an empty one if there are
-    /// no names. Throws `CheckFailure`.
+    /// A run of a helper.
+    Job MakeHelperJob(const boost::filesystem::path& program, Names arguments,
+                      Follower follower) const;
+
+    /// How many modules the media core loads at its start; each has the time of an item for that.
+    std::size_t CountCoreModules() const;
+
+    /// Writes a file into the folder for lists and gives its path. Throws `CheckFailure`.
+    std::string WriteFile(const std::string& name, std::string_view text) const;
+
+    /// The same with a plugin list; an empty path if there are no names.
     std::string WriteList(const std::string& name, const Names& plugins) const;
+
+    /// "STEM-7.json", each number once.
+    std::string NextFile(const std::string& stem, const char* extension);
 
     /// Tells the listener, each item once.
     void Tell(const Item& item);
@@ -52,29 +45,23 @@ public:
     const CheckOptions& options;
     CheckListener& listener;
     CheckResult& result;
-    const std::vector<PluginPlace> order;
-    Progress progress{};  ///< of the finished runs
+    const Installations::Installation installation;
+    const std::vector<Installations::PluginPlace> order;
+    Runs runs;
 
 private:
-    void Fill(const Next& next);
-    void Start(Job job);
-    void Await();
-    void AdvanceAll(const std::function<void(const Run&)>& take);
-    void AddFacts(const Run& run);
-    bool IsToRepeat(const Run& run);
-    void TellProgress();
-
-    const Names environment;
-    std::vector<std::unique_ptr<Run>> active;
-    std::deque<Job> waiting;  // to be alone, or to be repeated
-    Clock::time_point lastProgress;
     std::set<const Item*> told;
+    std::set<std::string> notes;
+    int files = 0;
 };
+
+/// Whether the media core loads the modules of the factory when it starts.
+bool IsOfCore(const std::string& factory);
 
 /// Separated by commas.
 std::string Join(const Names& names);
 
-/// The command, as an argument vector, that shows an item again.
-Names ToRepro(const CheckOptions& options, const Names& arguments);
+/// The command, as an argument vector, that starts the run.
+Names ToCommand(const Job& job);
 
 }  // namespace Tarnex::Parent

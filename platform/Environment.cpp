@@ -22,13 +22,10 @@ fs::path GetHome() {
 }
 
 /// A relative path in such a variable is to be ignored.
-std::string GetUserFolder(const char* variable, const char* belowHome) {
+std::optional<std::string> FindUserFolder(const char* variable, const char* belowHome) {
     const fs::path value = GetEnvironment(variable).value_or("");
     const fs::path folder = value.is_absolute() ? value : GetHome() / belowHome;
-    if (!folder.is_absolute()) {
-        throw std::runtime_error("there is no home: set HOME, or name the folders by options");
-    }
-    return folder.native();
+    return folder.is_absolute() ? std::optional(folder.native()) : std::nullopt;
 }
 
 }  // namespace
@@ -61,12 +58,16 @@ std::string GetProgramPath() {
     return fs::read_symlink("/proc/self/exe").string();
 }
 
-std::string GetUserDataFolder() {
-    return GetUserFolder("XDG_DATA_HOME", ".local/share");
+std::optional<std::string> FindUserDataFolder() {
+    return FindUserFolder("XDG_DATA_HOME", ".local/share");
 }
 
 std::string GetUserStateFolder() {
-    return GetUserFolder("XDG_STATE_HOME", ".local/state");
+    const auto folder = FindUserFolder("XDG_STATE_HOME", ".local/state");
+    if (!folder) {
+        throw std::runtime_error("there is no home: set HOME, or name the folders by options");
+    }
+    return *folder;
 }
 
 }  // namespace Tarnex::Platform

@@ -21,9 +21,12 @@ bool SetEnvironment(const std::string& name, const std::string& value);
 /// `boost::filesystem::filesystem_error`.
 [[nodiscard]] std::string GetProgramPath();
 
-/// Where programs keep the user's data, and what is to last from run to run: as the XDG base
-/// directories have it. Both throw `std::runtime_error` for a user without a home.
-[[nodiscard]] std::string GetUserDataFolder();
+/// Where programs keep the user's data: as the XDG base directories have it. None for a user
+/// without a home.
+[[nodiscard]] std::optional<std::string> FindUserDataFolder();
+
+/// Where they keep what is to last from run to run: the same. Throws `std::runtime_error` for a
+/// user without a home.
 [[nodiscard]] std::string GetUserStateFolder();
 
 }  // namespace Tarnex::Platform

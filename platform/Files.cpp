@@ -6,10 +6,7 @@
 
 #include <boost/filesystem.hpp>
 #include <cerrno>
-#include <cstdio>
-#include <fstream>
 #include <optional>
-#include <system_error>
 
 namespace Tarnex::Platform {
 namespace {
@@ -27,14 +24,6 @@ std::optional<std::chrono::system_clock::time_point> CreationTime(const std::str
     }
     const bool known = (status.stx_mask & STATX_BTIME) != 0;
     return ToTimePoint(known ? status.stx_btime : status.stx_ctime);
-}
-
-bool WriteInto(const std::string& file, std::string_view text) {
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    return !stream.fail();
 }
 
 }  // namespace
@@ -65,27 +54,6 @@ std::vector<FoundFile> FindFiles(const std::string& directory, const std::string
 
 bool RemoveFile(const std::string& path) {
     return unlink(path.c_str()) == 0;
-}
-
-bool IsReplaceable(const std::string& path) {
-    boost::system::error_code ignored;
-    return !boost::filesystem::exists(path, ignored) ||
-           boost::filesystem::is_regular_file(path, ignored);
-}
-
-void ReplaceFile(const std::string& path, std::string_view text) {
-    boost::system::error_code ignored;
-    const std::string known = boost::filesystem::canonical(path, ignored).native();
-    const std::string& target = known.empty() ? path : known;  // what a link leads to
-    const std::string fresh =
-        IsReplaceable(target) ? target + "." + std::to_string(getpid()) : target;
-    if (!WriteInto(fresh, text) || std::rename(fresh.c_str(), target.c_str()) != 0) {
-        const int error = errno;
-        if (fresh != target) {
-            RemoveFile(fresh);
-        }
-        throw std::system_error(error, std::generic_category(), "can't write " + path);
-    }
 }
 
 }  // namespace Tarnex::Platform

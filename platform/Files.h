@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Tarnex::Platform {
@@ -25,13 +24,5 @@ struct FoundFile {
 
 /// Removes a file or a link, but never a directory. Returns false if it couldn't be removed.
 bool RemoveFile(const std::string& path);
-
-/// Whether `ReplaceFile` writes the path in one step: it is a regular file or isn't there.
-[[nodiscard]] bool IsReplaceable(const std::string& path);
-
-/// Writes the file in one step: a reader sees the old text or the whole new one. What isn't a
-/// regular file, such as a pipe, is written into. Throws `std::system_error` with path and reason;
-/// what was there is then untouched.
-void ReplaceFile(const std::string& path, std::string_view text);
 
 }  // namespace Tarnex::Platform

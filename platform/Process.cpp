@@ -1,338 +1,79 @@
 #include "platform/Process.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/signalfd.h>
-#include <sys/wait.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <system_error>
 #include <utility>
+
+#include "platform/Keeper.h"
 
 namespace Tarnex::Platform {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds KILL_TIME{5};
-/// Between two rounds of kills: a child that is killed while it forks leaves another child.
-constexpr int SWEEP_MILLISECONDS = 10;
 /// In bytes, so that a process that never stops writing doesn't keep its reader busy.
 constexpr std::size_t MAX_READ = 1'000'000;
+constexpr int AWAIT_MILLISECONDS = 50;
 
-[[noreturn]] void Fail(const char* what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
+/// Where programs keep the user's files, below the home.
+constexpr std::array<std::pair<const char*, const char*>, 5> HOME_VARIABLES{
+    {{"HOME", ""},
+     {"XDG_CONFIG_HOME", "/.config"},
+     {"XDG_DATA_HOME", "/.local/share"},
+     {"XDG_STATE_HOME", "/.local/state"},
+     {"XDG_CACHE_HOME", "/.cache"}}};
 
-/// Copies the descriptor above the standard streams, which the keeper replaces.
-Descriptor Raise(const Descriptor& low) {
-    Descriptor high(fcntl(low.Get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-    if (high.Get() < 0) {
-        Fail("can't make a pipe");
+ProcessStart WithHome(ProcessStart start, const std::string& home) {
+    for (const auto& [variable, folder] : HOME_VARIABLES) {
+        const std::string beginning = std::string(variable) + "=";
+        std::erase_if(start.environment,
+                      [&](const std::string& text) { return text.starts_with(beginning); });
+        start.environment.push_back(beginning + home + folder);
     }
-    return high;
-}
-
-struct Pipe {
-    Pipe() {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            Fail("can't make a pipe");
-        }
-        const Descriptor lowRead(ends[0]);
-        const Descriptor lowWrite(ends[1]);
-        read = Raise(lowRead);
-        write = Raise(lowWrite);
-    }
-    Descriptor read;
-    Descriptor write;
-};
-
-std::vector<char*> Pointers(const std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (const std::string& text : texts) {
-        pointers.push_back(const_cast<char*>(text.c_str()));
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-/// Two fields of /proc/PID/stat. They follow the process's name, which may contain anything.
-struct ProcessState {
-    explicit ProcessState(const std::string& pid) {
-        std::ifstream file("/proc/" + pid + "/stat");
-        std::string text;
-        std::getline(file, text, '\0');  // No exception if the process has just gone.
-        const std::size_t nameEnd = text.rfind(')');
-        if (nameEnd != std::string::npos) {
-            std::sscanf(text.c_str() + nameEnd, ") %*c %d %*d %*d %*d %*d %u", &parent, &flags);
-        }
-    }
-
-    /// The kernel's PF_EXITING: the process is ending, though it can't be waited for yet.
-    bool IsExiting() const { return (flags & 4U) != 0; }
-
-    pid_t parent = 0;
-    unsigned flags = 0;
-};
-
-std::vector<pid_t> FindChildren() {
-    std::vector<pid_t> children;
-    const std::unique_ptr<DIR, int (*)(DIR*)> processes(opendir("/proc"), closedir);
-    while (const dirent* entry = processes ? readdir(processes.get()) : nullptr) {
-        const pid_t pid = std::atoi(entry->d_name);
-        if (pid > 0 && ProcessState(entry->d_name).parent == getpid()) {
-            children.push_back(pid);
-        }
-    }
-    return children;
-}
-
-/// The process in between: starts the program, waits for its end, and ends what it left behind.
-class Keeper {
-public:
-    Keeper(const ProcessStart& start, int control, int report, int error, int output)
-        : start(start), control(control), report(report), error(error), output(output) {}
-
-    [[noreturn]] void Run() {
-        LeaveOwner();
-        EnterFolder();
-        StartProgram();
-        while (running && !told) {
-            Await(-1);
-        }
-        EndDescendants();
-        LeaveFolder();
-        static_cast<void>(!write(report, &result, sizeof result));
-        _exit(EXIT_SUCCESS);
-    }
-
-private:
-    /// Shields the keeper from the owner's signals, and closes the pipes of other runs.
-    void LeaveOwner() {
-        setsid();
-        sigset_t all;
-        sigfillset(&all);
-        sigprocmask(SIG_SETMASK, &all, nullptr);
-        std::signal(SIGCHLD, SIG_DFL);
-        prctl(PR_SET_CHILD_SUBREAPER, 1);
-        LimitCore();
-        std::array kept{control, report, error, output};
-        std::sort(kept.begin(), kept.end());
-        int next = STDERR_FILENO + 1;
-        for (const int descriptor : kept) {
-            CloseBetween(next, descriptor);
-            next = std::max(next, descriptor + 1);
-        }
-        close_range(static_cast<unsigned>(next), ~0U, 0);
-        ReplaceStandardStreams();
-        sigemptyset(&all);
-        sigaddset(&all, SIGCHLD);
-        children = signalfd(-1, &all, SFD_CLOEXEC | SFD_NONBLOCK);
-    }
-
-    static void CloseBetween(int first, int end) {
-        if (first < end) {
-            close_range(static_cast<unsigned>(first), static_cast<unsigned>(end - 1), 0);
-        }
-    }
-
-    /// Not zero bytes, because the kernel then still starts a program that collects core dumps.
-    static void LimitCore() {
-        const rlimit limit{1, 1};
-        setrlimit(RLIMIT_CORE, &limit);
-    }
-
-    static void ReplaceStandardStreams() {
-        const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-            dup2(null, standard);
-        }
-    }
-
-    void EnterFolder() {
-        std::error_code ignored;
-        folder = (std::filesystem::temp_directory_path(ignored) / "assay-XXXXXX").native();
-        if (mkdtemp(folder.data()) == nullptr || chdir(folder.c_str()) != 0) {
-            folder.clear();
-            static_cast<void>(!chdir("/"));
-        }
-    }
-
-    void LeaveFolder() const {
-        std::error_code ignored;
-        if (!folder.empty()) {
-            static_cast<void>(!chdir("/"));
-            std::filesystem::remove_all(folder, ignored);
-        }
-    }
-
-    void StartProgram() {
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, error, STDERR_FILENO);
-        if (output >= 0) {
-            posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
-        }
-        posix_spawnattr_t attributes;
-        posix_spawnattr_init(&attributes);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes, &signals);
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&attributes, &signals);
-        posix_spawnattr_setflags(
-            &attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-        std::vector<std::string> arguments = start.arguments;
-        arguments.insert(arguments.begin(), start.program);
-        result.startError =
-            posix_spawn(&program, start.program.c_str(), &files, &attributes,
-                        Pointers(arguments).data(), Pointers(start.environment).data());
-        running = result.startError == 0;
-        result.time = Clock::now();
-        close(error);
-        close(output);
-    }
-
-    /// False once there are no descendants left.
-    bool Await(int milliseconds) {
-        std::array<pollfd, 2> events{{{children, POLLIN, 0}, {control, POLLIN, 0}}};
-        poll(events.data(), told ? 1 : events.size(), milliseconds);
-        if (events[1].revents != 0) {
-            told = true;
-            result.ended = running && !ProcessState(std::to_string(program)).IsExiting();
-        }
-        signalfd_siginfo ignored;
-        static_cast<void>(!read(children, &ignored, sizeof ignored));
-        return Reap();
-    }
-
-    bool Reap() {
-        int status = 0;
-        pid_t ended = 0;
-        while ((ended = waitpid(-1, &status, WNOHANG)) > 0) {
-            if (ended == program) {
-                running = false;
-                result.status = status;
-                result.time = Clock::now();
-            }
-        }
-        return ended == 0;
-    }
-
-    /// Kills children again and again: an orphan becomes our child, so that reaches all of them.
-    void EndDescendants() {
-        if (!Reap()) {
-            return;
-        }
-        told = true;
-        const Clock::time_point until = Clock::now() + KILL_TIME;
-        do {
-            kill(-program, SIGKILL);
-            for (const pid_t child : FindChildren()) {
-                kill(child, SIGKILL);
-            }
-        } while (Await(SWEEP_MILLISECONDS) && Clock::now() < until);
-        if (Reap()) {
-            NameSurvivors();
-        }
-    }
-
-    void NameSurvivors() {
-        std::string names;
-        for (const pid_t child : FindChildren()) {
-            std::ifstream file("/proc/" + std::to_string(child) + "/comm");
-            std::string name;
-            std::getline(file, name);
-            names += (names.empty() ? "" : ", ") + std::to_string(child) + " " + name;
-        }
-        names.copy(result.survivors, sizeof result.survivors - 1);
-    }
-
-    const ProcessStart& start;
-    const int control, report, error, output;
-    int children = -1;
-    pid_t program = -1;
-    bool running = false;
-    bool told = false;
-    std::string folder;
-    ProcessReport result{};
-};
-
-pid_t StartKeeper(const ProcessStart& start, int control, int report, int error, int output) {
-    const pid_t keeper = fork();
-    if (keeper < 0) {
-        Fail("can't start a process");
-    }
-    if (keeper == 0) {
-        Keeper(start, control, report, error, output).Run();
-    }
-    return keeper;
-}
-
-Descriptor WithoutBlocking(Descriptor descriptor) {
-    fcntl(descriptor.Get(), F_SETFL, O_NONBLOCK);
-    return descriptor;
+    return start;
 }
 
 }  // namespace
 
-Descriptor::Descriptor(Descriptor&& other) noexcept : value(std::exchange(other.value, -1)) {}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    std::swap(value, other.value);
-    return *this;
-}
-
-void Descriptor::Close() {
-    if (value >= 0) {
-        close(std::exchange(value, -1));
-    }
-}
-
 Process::Process(const ProcessStart& start) {
-    Pipe errors, reports, controls;
-    const std::unique_ptr<Pipe> outputs = start.keepOutput ? std::make_unique<Pipe>() : nullptr;
-    keeper = StartKeeper(start, controls.read.Get(), reports.write.Get(), errors.write.Get(),
-                         outputs ? outputs->write.Get() : -1);
-    error = WithoutBlocking(std::move(errors.read));
-    report = WithoutBlocking(std::move(reports.read));
-    control = std::move(controls.write);
-    if (outputs) {
-        output = WithoutBlocking(std::move(outputs->read));
-    }
+    Channel errors = MakePipe();
+    Channel outputs = start.keepOutput ? MakePipe() : Channel();
+    Channel sockets = MakeSockets();
+    keeper.emplace(
+        StartKeeper(start.ownHome ? WithHome(start, folder.path.native()) : start, folder,
+                    {std::move(sockets.far), std::move(errors.far), std::move(outputs.far)}));
+    error = std::move(errors.near);
+    output = std::move(outputs.near);
+    channel = std::move(sockets.near);
 }
 
 Process::~Process() {
     End();
-    while (waitpid(keeper, nullptr, 0) < 0 && errno == EINTR) {
-    }
+    AwaitReport();
 }
 
 void Process::AddTo(std::vector<pollfd>& descriptors) const {
-    for (const Descriptor* descriptor : {&error, &output, &report}) {
-        descriptors.push_back({descriptor->Get(), POLLIN, 0});
-    }
+    const bool begun = program || result || lost;
+    descriptors.push_back({begun ? error.Get() : -1, POLLIN, 0});
+    descriptors.push_back({begun ? output.Get() : -1, POLLIN, 0});
+    // The channel of a lost keeper stays readable for ever.
+    descriptors.push_back({lost ? -1 : channel.Get(), POLLIN, 0});
+}
+
+std::optional<pid_t> Process::GetProgram() {
+    Receive();
+    return program;
 }
 
 std::string Process::Read(Descriptor& descriptor) {
+    Receive();
     std::string text;
     std::array<char, 16384> buffer;
-    ssize_t size = 1;
+    ssize_t size = program || result ? 1 : -1;
     while (descriptor.Get() >= 0 && text.size() < MAX_READ && size > 0) {
         size = read(descriptor.Get(), buffer.data(), buffer.size());
         text.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
@@ -343,24 +84,45 @@ std::string Process::Read(Descriptor& descriptor) {
     return text;
 }
 
-ProcessReport Process::AwaitReport() {
-    pollfd event{report.Get(), POLLIN, 0};
-    while (poll(&event, 1, -1) < 0) {
+void Process::Receive() {
+    KeeperMessage message;
+    ssize_t size = -1;
+    while (!result && (size = recv(channel.Get(), &message, sizeof message, 0)) > 0) {
+        if (message.program > 0) {
+            program = message.program;
+        }
+        if (message.last) {
+            result = message.report;
+            program = result->startError == 0 ? program : std::nullopt;
+        }
     }
-    return TakeReport().value();
+    lost = lost || size == 0;
 }
 
 std::optional<ProcessReport> Process::TakeReport() {
-    ProcessReport result{};
-    const ssize_t size = read(report.Get(), &result, sizeof result);
-    if (size < 0) {
-        return std::nullopt;
-    }
-    if (size == 0) {  // The keeper was killed.
-        result.status = SIGKILL;
-        result.time = Clock::now();
+    Receive();
+    lost = lost || (!result && keeper->IsStopped());
+    if (!result && lost && keeper->EndOrphans()) {
+        folder.Remove();
+        result.emplace(ProcessReport{});
+        result->status = keeper->GetStatus(program.value_or(-1)).value_or(SIGKILL);
+        result->keeperLost = true;
+        result->time = std::chrono::steady_clock::now();
+        keeper->GetSurvivors().copy(result->survivors, sizeof result->survivors - 1);
     }
     return result;
+}
+
+ProcessReport Process::AwaitReport() {
+    while (!TakeReport()) {
+        pollfd event{channel.Get(), POLLIN, 0};
+        poll(&event, 1, AWAIT_MILLISECONDS);
+    }
+    return *result;
+}
+
+void Process::End() {
+    shutdown(channel.Get(), SHUT_WR);
 }
 
 std::string SignalName(int signal) {

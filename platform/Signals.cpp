@@ -6,6 +6,14 @@
 #include <csignal>
 
 namespace Tarnex::Platform {
+namespace {
+
+bool IsIgnored(int signal) {
+    struct sigaction action {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+}  // namespace
 
 void IgnoreWriteSignals() {
     std::signal(SIGXFSZ, SIG_IGN);
@@ -17,6 +25,9 @@ StopSignals::StopSignals() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    if (!IsIgnored(SIGHUP)) {
+        sigaddset(&signals, SIGHUP);
+    }
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
 }

@@ -6,7 +6,8 @@ namespace Tarnex::Platform {
 /// of ending the process. Affects the whole process.
 void IgnoreWriteSignals();
 
-/// Turns SIGINT and SIGTERM into something to read, from here to the end of the process.
+/// Turns SIGINT, SIGTERM and SIGHUP into something to read, from here to the end of the process.
+/// SIGHUP stays ignored if it is, as `nohup` has it.
 class StopSignals {
 public:
     StopSignals();

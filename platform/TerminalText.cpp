@@ -15,7 +15,8 @@ wchar_t ToPrintable(wchar_t c) {
         return L' ';
     }
     const bool isControl = c < L' ' || (c >= 0x7F && c <= 0x9F) || (c >= 0xD800 && c <= 0xDFFF);
-    const bool turns = (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+    const bool turns = (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) ||
+                       c == 0x200E || c == 0x200F || c == 0x061C;
     return isControl || turns ? L'\xFFFD' : c;
 }
 

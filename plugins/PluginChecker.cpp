@@ -52,7 +52,7 @@ Loader GetLoader(const std::string& factory) {
 }  // namespace
 
 void PluginChecker::SetKnownBrokenPlugins(const std::vector<std::string>& plugins) {
-    knownBrokenPlugins = plugins;
+    knownBrokenPlugins = {plugins.begin(), plugins.end()};
 }
 
 void PluginChecker::SetLastFailedLoadPlugin(const std::string& plugin) {
@@ -116,7 +116,7 @@ std::vector<PluginChecker::PluginRecord> PluginChecker::SelectPluginsToCheck() c
 
 // Contract: parents match the texts below; keep them verbatim.
 void PluginChecker::CheckPlugin(const PluginRecord& record) {
-    if (IsKnownBroken(record.name)) {
+    if (knownBrokenPlugins.contains(record.name)) {
         RecordFailure(record.name, record.name + ": \nTest Error\n");
         return;
     }
@@ -131,10 +131,6 @@ void PluginChecker::CheckPlugin(const PluginRecord& record) {
     } catch (...) {
         RecordFailure(record.name, GetCurrentExceptionText());
     }
-}
-
-bool PluginChecker::IsKnownBroken(const std::string& name) const {
-    return Contains(knownBrokenPlugins, name);
 }
 
 void PluginChecker::RecordFailure(const std::string& name, const std::string& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace Tarnex::Core::Utils {
@@ -47,14 +48,13 @@ private:
     static std::vector<PluginRecord> CollectPlugins();
     std::vector<PluginRecord> SelectPluginsToCheck() const;
     void CheckPlugin(const PluginRecord& record);
-    bool IsKnownBroken(const std::string& name) const;
     void RecordFailure(const std::string& name, const std::string& text);
     void SeparateWhitePlugins();
 
     std::vector<std::string> failedPlugins;
     std::vector<std::string> brokenPlugins;
     std::vector<std::string> whiteBrokenPlugins;
-    std::vector<std::string> knownBrokenPlugins;
+    std::unordered_set<std::string> knownBrokenPlugins;
     std::string lastFailedLoadPlugin;
     std::string errorInfo;
 };

@@ -24,5 +24,8 @@ measure "record, log files" env LOCALAPPDATA="$folder" "$bench/log_record" 2>/de
 measure "record" env -u LOCALAPPDATA "$bench/log_record" 2>/dev/null
 measure "plugin phase" python3 "$here/../bench/plugin_phase.py" "$here/../build/release/app" "$bench/bare_loop"
 measure "assay" python3 "$here/../bench/assay_speed.py" "$here/../build/release/app"
+measure "collecting" python3 "$here/../bench/collect_speed.py" "$here/../build/release/app"
+measure "state" python3 "$here/../bench/state_speed.py" "$here/../build/release/app"
+measure "metrics" /usr/bin/python3 "$here/../bench/fleet_metrics.py" "$here/../build/release/app"
 measure "codecs" "$bench/sweep/codec_sweep" "${1:-5}" "$folder"
 [ ${#missed[@]} -eq 0 ] || { echo "failed or above the limit: ${missed[*]}" >&2; exit 1; }

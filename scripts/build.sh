@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 case "$1" in
-    test | bench) configuration=release ;;
+    test | slow | bench) configuration=release ;;
     *) configuration="$1" ;;
 esac
 log="$(mktemp)"

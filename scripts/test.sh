@@ -1,5 +1,6 @@
 #!/bin/bash
-# Sets up, builds and runs the tests. Usage: test.sh [test|asan|tsan]; test is the default.
+# Sets up, builds and runs the tests. Usage: test.sh [test|slow|asan|tsan]; test is the default, slow the
+# tests that take long.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 preset="${1:-test}"

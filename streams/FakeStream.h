@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 #include "core/media/StreamBase.h"
@@ -9,7 +10,7 @@ namespace Tarnex::Core::Utils {
 /// What both synthetic streams share: one frame at time 0, which only `Seek` makes readable again.
 /// `Interface` is `IStreamVideo` or `IStreamAudio`, `Format` the type of its format.
 template <class Interface, class Format>
-class FakeStream : public Proc::StreamBase<Interface> {
+class FakeStream : public Proc::PlainStream<Interface> {
 public:
     std::int64_t GetDuration() const override { return duration; }
     std::int64_t GetPosition() const override { return position; }
@@ -20,10 +21,11 @@ public:
     Proc::Pointer<Format> GetFormatCodec() const override { return formatCodec; }
 
 protected:
-    FakeStream(const char* statisticName, std::int64_t length)
-        : Proc::StreamBase<Interface>(statisticName),
-          duration(length),
-          formatCodec(Format::Create()) {}
+    explicit FakeStream(std::int64_t length) : duration(length), formatCodec(Format::Create()) {}
+
+    Proc::Property MakeStatistic(const char* name) const {
+        return Proc::PlainStream<Interface>::MakeStatistic(name, readTime, frameCount);
+    }
 
     /// Subtracts instead of adding, because a sum could overflow at a far position.
     bool IsAtEnd() const {
@@ -32,12 +34,14 @@ protected:
 
     void MoveOn(std::int64_t length) {
         position += length;
-        ++this->frameCount;
+        ++frameCount;
     }
 
     const std::int64_t duration;
     const Proc::Pointer<Format> formatCodec;
     std::int64_t position = 0;
+    std::chrono::nanoseconds readTime{0};
+    std::uint64_t frameCount = 0;
 };
 
 }  // namespace Tarnex::Core::Utils

@@ -4,7 +4,7 @@
 
 namespace Tarnex::Core::Utils {
 
-FakeStreamAudio::FakeStreamAudio() : FakeStream("FakeStreamAudio::GetStatistic", 23) {
+FakeStreamAudio::FakeStreamAudio() : FakeStream(23) {
     formatCodec->SetBitrateMode(Proc::TAG_BITRATE_MODE_CBR);
     Proc::SampleInfo info;
     info.Init(Proc::SampleFormats::S16, 44100, Proc::ChannelLayout::Stereo);
@@ -23,6 +23,10 @@ Proc::Pointer<Proc::IFrameAudio> FakeStreamAudio::GetNextFrame() {
     frame->SetFrameTime(position);
     MoveOn(frame->GetFrameLength());
     return frame;
+}
+
+Proc::Property FakeStreamAudio::GetStatistic() const {
+    return MakeStatistic("FakeStreamAudio::GetStatistic");
 }
 
 }  // namespace Tarnex::Core::Utils

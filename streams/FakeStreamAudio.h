@@ -11,6 +11,7 @@ public:
 
     /// The frame, or null at the end. Throws what the core's frame factory throws.
     Proc::Pointer<Proc::IFrameAudio> GetNextFrame() override;
+    Proc::Property GetStatistic() const override;
 };
 
 }  // namespace Tarnex::Core::Utils

@@ -30,7 +30,7 @@ Size SizeFor(const std::string& codecId) {
 }  // namespace
 
 FakeStreamVideo::FakeStreamVideo(const std::string& implementation, const std::string& codecId)
-    : FakeStream("FakeStreamVideo::GetStatistic", 25000),
+    : FakeStream(25000),
       pixelFormat(implementation == ImplNames::NVDEC ? PixFmt::Nv12 : PixFmt::Yuv420p) {
     const Size size = SizeFor(codecId);
     formatCodec->InitByPixelAspect(size.width, size.height, 1, 1);
@@ -54,6 +54,10 @@ Proc::Pointer<Proc::IFrameVideo> FakeStreamVideo::GetNextFrame() {
     frame->SetFrameLength(duration);
     MoveOn(duration);
     return frame;
+}
+
+Proc::Property FakeStreamVideo::GetStatistic() const {
+    return MakeStatistic("FakeStreamVideo::GetStatistic");
 }
 
 }  // namespace Tarnex::Core::Utils

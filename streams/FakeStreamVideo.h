@@ -14,6 +14,7 @@ public:
 
     /// The frame, or null at the end. Throws what the core's frame factory throws.
     Proc::Pointer<Proc::IFrameVideo> GetNextFrame() override;
+    Proc::Property GetStatistic() const override;
 
 private:
     Proc::PixFmt pixelFormat;

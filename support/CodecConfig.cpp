@@ -1,8 +1,10 @@
 #include "core/support/CodecConfig.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/support/Exception.h"
+#include "platform/WideText.h"
 
 namespace Tarnex::Core::Utils {
 namespace {
@@ -16,15 +18,21 @@ CoderType ParseCoderType(const std::string& text) {
     return CoderType::None;
 }
 
-bool IsImplementation(const std::string& text) {
-    return !text.empty() && text.find_first_of(".,: \t") == std::string::npos;
-}
-
-bool IsCodecId(const std::string& text) {
-    return !text.empty() && text.find(',') == std::string::npos;
+bool IsPlainText(const std::string& text) {
+    const auto isControl = [](unsigned char byte) { return byte < ' ' || byte == 0x7F; };
+    return !text.empty() && Platform::IsUtf8(text) && std::ranges::none_of(text, isControl);
 }
 
 }  // namespace
+
+bool IsImplementationName(const std::string& text) {
+    return IsPlainText(text) && text.find_first_of(".,: ") == std::string::npos;
+}
+
+bool IsCodecId(const std::string& text) {
+    return IsPlainText(text) && text.find(',') == std::string::npos && text.front() != ' ' &&
+           text.back() != ' ';
+}
 
 CodecConfig::CodecConfig(CoderType type, std::string implementation, std::string codecId)
     : type(type), implementation(std::move(implementation)), codecId(std::move(codecId)) {}
@@ -40,7 +48,7 @@ CodecConfig::CodecConfig(const std::string& id) {
         implementation = id.substr(first + 1, second - first - 1);
         codecId = id.substr(second + 1);
     }
-    if (type == CoderType::None || !IsImplementation(implementation) || !IsCodecId(codecId)) {
+    if (type == CoderType::None || !IsImplementationName(implementation) || !IsCodecId(codecId)) {
         throw Exception("\"" + id + "\" isn't a codec test, such as Decoder.IMPLEMENTATION.CODEC");
     }
 }

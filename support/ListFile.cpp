@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/media/CoreManagerOptions.h"
+#include "core/support/CodecConfig.h"
 #include "core/support/Exception.h"
 #include "core/support/Text.h"
 #include "platform/WideText.h"
@@ -106,8 +107,7 @@ bool IsCodecListKey(const std::string& key) {
     for (const CoderType type : {CoderType::Decoder, CoderType::Encoder}) {
         const std::string mark = BlackListCodecOption(type, "");
         if (key.starts_with(mark)) {
-            return key.size() > mark.size() &&
-                   key.find_first_of(".,: \t", mark.size()) == std::string::npos;
+            return IsImplementationName(key.substr(mark.size()));
         }
     }
     return false;

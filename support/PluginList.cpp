@@ -4,13 +4,11 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <fstream>
 
 #include "core/media/PluginFactories.h"
 #include "core/support/Exception.h"
+#include "platform/AtomicFile.h"
 #include "support/ListFile.h"
 
 namespace Tarnex::Core::Utils {
@@ -37,22 +35,6 @@ std::vector<std::string> ReadLines(const ioPath& path) {
     return lines;
 }
 
-[[noreturn]] void FailToWrite(const std::string& file) {
-    throw Exception(fmt::format("Can't write {}: {}", file, std::strerror(errno)));
-}
-
-void WriteLines(const std::string& file, const std::vector<std::string>& lines) {
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    for (const std::string& line : lines) {
-        stream << line << "\n";
-    }
-    stream.close();
-    if (!stream) {
-        FailToWrite(file);
-    }
-}
-
 }  // namespace
 
 PluginLists ReadPluginLists(const ioPath& path) {
@@ -64,18 +46,20 @@ PluginLists ReadPluginLists(const ioPath& path) {
     return lists;
 }
 
-void ReplacePluginLists(const ioPath& path, const PluginLists& lists) {
-    std::vector<std::string> lines = ReadLines(path);
+void ReplacePluginLists(const ioPath& path, const PluginLists& lists, const ioPath& before) {
+    std::vector<std::string> lines = ReadLines(before);
     std::erase_if(lines, [&](const std::string& line) { return lists.contains(GetListKey(line)); });
     for (const auto& [factory, plugins] : lists) {
         const char* separator = plugins.empty() ? "" : " ";
         lines.push_back(fmt::format("{}:{}{}", factory, separator, fmt::join(plugins, ", ")));
     }
-    const std::string fresh = path.utf8string() + ".new";
-    WriteLines(fresh, lines);
-    if (std::rename(fresh.c_str(), path.utf8string().c_str()) != 0) {
-        FailToWrite(path.utf8string());
-    }
+    Platform::AtomicFile file(path.utf8string());
+    file.Write(fmt::format("{}\n", fmt::join(lines, "\n")));
+    file.Commit();
+}
+
+void ReplacePluginLists(const ioPath& path, const PluginLists& lists) {
+    ReplacePluginLists(path, lists, path);
 }
 
 }  // namespace Tarnex::Core::Utils

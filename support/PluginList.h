@@ -18,8 +18,10 @@ using PluginLists = std::map<std::string, std::vector<std::string>>;
 PluginLists ReadPluginLists(const ioPath& path);
 
 /// Replaces the lines of the factories in `lists` in one step. Keeps comments and the lines of
-/// other factories. Throws `Tarnex::Exception` that names the file if it can't be written, and then
-/// leaves the old file untouched.
+/// other factories: those of `before`, if it is given, else the file's own. Throws
+/// `std::system_error` that names the file if it can't be written, and then leaves the old file
+/// untouched.
+void ReplacePluginLists(const ioPath& path, const PluginLists& lists, const ioPath& before);
 void ReplacePluginLists(const ioPath& path, const PluginLists& lists);
 
 }  // namespace Tarnex::Core::Utils

@@ -28,7 +28,7 @@ public:
     static void TryToLoadModule(const std::string& plugin);
 };
 
-class TARNEX_API FilterFactory {  ///< LADSPA and LV2 audio filters
+class TARNEX_API FilterFactory {  ///< LADSPA, LV2, CLAP and VST3 audio plugins
 public:
     static std::vector<std::string> GetPluginList();
     static void TryToLoadModule(const std::string& plugin);

@@ -31,7 +31,8 @@ public:
     /// None if the module doesn't have the codec. Answers from a table, without starting anything.
     virtual Proc::MediaKind GetMediaKind(const std::string& codecId) = 0;
 
-    /// The offered ids, each once, in the same order at each call.
+    /// The offered ids, each once, in the same order at each call. Tests are named by them: see
+    /// `Core::Utils::IsCodecId`.
     virtual std::vector<std::string> GetCodecs(Core::CoderType type) = 0;
 
     /// Create a decoder for the codec of `input`, or an encoder for the codec that `property`

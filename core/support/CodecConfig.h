@@ -6,6 +6,14 @@
 
 namespace Tarnex::Core::Utils {
 
+/// Whether tests can be named by this implementation: some UTF-8 without point, comma, colon, blank
+/// or control character.
+bool IsImplementationName(const std::string& text);
+
+/// Whether tests can be named by this codec id: some UTF-8 without comma or control character, and
+/// without a blank at its beginning or end.
+bool IsCodecId(const std::string& text);
+
 /// Identifies one codec test: coder type, implementation, codec id.
 class CodecConfig {
 public:

@@ -63,6 +63,26 @@ TEST(Modules, ASecondNameOfAModuleThatFailedTellsTheFirst) {
     fs::remove(link);
 }
 
+// The fixture aborts if it is initialised twice.
+TEST(Modules, AFileWithSeveralNamesIsInitialisedOnce) {
+    namespace fs = std::filesystem;
+    const ioPath directory = Core::AppLocations::GetLocations().GetApplicationDirectory();
+    const fs::path app = directory.utf8string();
+    const fs::path names[] = {app / "Folder", app / "Spelled.so", app / "Linked.so",
+                              app / "HardLinked.so"};
+    for (const fs::path& name : names) {
+        fs::remove(name);
+    }
+    fs::create_directory_symlink(".", names[0]);
+    fs::create_symlink("./Second.so", names[1]);
+    fs::create_symlink("Folder/Second.so", names[2]);
+    fs::create_hard_link(app / "Second.so", names[3]);
+    for (const char* name : {"Second", "Spelled", "Linked", "HardLinked"}) {
+        EXPECT_NO_THROW(CodecFactoryImpl::TryToLoadModule(name)) << name;
+        EXPECT_EQ(Core::FindModuleFile(name).utf8string(), (app / "Second.so").string());
+    }
+}
+
 TEST(Modules, OnlyANegativeResultRefusesAnEffect) {
     EXPECT_NO_THROW(EffectFactory::TryToLoadModule("Effect"));
 }

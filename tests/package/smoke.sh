@@ -37,6 +37,7 @@ check '[LOADED_PLUGINS]true[/LOADED_PLUGINS]' plugins 60
 check '[TEST_CODEC]Decoder.FFMPEG_IMPL.CODEC_ID_H264[/TEST_CODEC]' \
     codecs 60 FFMPEG_IMPL,MEDIA_FOUNDATION_IMPL CODEC_ID_AAC,CODEC_ID_H264
 [ -e "$root/usr/share/man/man1/assay.1" ] || fail "no manual page"
+[ -e "$root/usr/share/bash-completion/completions/assay" ] || fail "no completion"
 
 # A user's own installation survives an upgrade; without the package it says what is wrong.
 home="$(as_user mktemp -d)"

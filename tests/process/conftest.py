@@ -22,6 +22,16 @@ VARIANTS = {"no-entry-point": "NoEntryPoint", "undefined-symbol": "UndefinedSymb
 not_sanitized = pytest.mark.skipif(bool(SANITIZED), reason="signals and times belong to plain builds")
 
 
+def pytest_configure(config):
+    config.addinivalue_line("markers", "slow: takes seconds of hostile work; a group of its own")
+
+
+@pytest.hookimpl(optionalhook=True)
+def pytest_xdist_auto_num_workers():
+    """Most tests wait for hangs, so that several fit on a core."""
+    return min(32, (2 if SANITIZED else 4) * len(os.sched_getaffinity(0)))
+
+
 class Result:
     def __init__(self, arguments, process, out, err, seconds):
         self.arguments, self.seconds = arguments, seconds
@@ -98,6 +108,12 @@ class Installation(Program):
     def add_fixture(self, name, factory="CodecFactory"):
         shutil.copy(FIXTURES / f"{name}.so", self.directory)
         self.enlist(factory, name)
+
+    def add_foreign(self, interface, *names):
+        """Adds modules of the fixture of the interface "clap" or "vst3", named as collected modules are."""
+        for name in names:
+            shutil.copy(FIXTURES / f"{interface.capitalize()}Plugin.so", self.directory / f"{name}.{interface}.so")
+            self.enlist("FilterFactory", f"{name}.{interface}")
 
     def add_shipped(self, factory, name):
         """Adds a module as it is installed."""

@@ -108,6 +108,17 @@ def test_module_that_cannot_list_its_codecs_is_reported(bad_codecs):
     assert check(bad_codecs, OK[0]).code == 0  # it isn't asked
 
 
+@pytest.mark.parametrize(
+    "lister, shown",
+    [("lists-comma", "A,B"), ("lists-blank", " AB"), ("lists-tab", "A B"), ("lists-odd-bytes", "A\ufffd"), ("lists-empty", "")],
+)
+def test_module_that_lists_an_unusable_codec_id_is_reported(bad_codecs, lister, shown):
+    bad_codecs.add("lists-points", lister)
+    result = bad_codecs.run("codecs", "60", f"{IMPL},NONE_IMPL", OK[0])
+    module = f"Plugin {lister}, module {bad_codecs.directory}/{lister}.so: can't list the codecs of NONE_IMPL"
+    assert result.code == 4 and f'{module}: unusable codec id "{shown}"' in result.of("ERROR")[-1], result
+
+
 def test_disabled_and_broken_plugins_offer_nothing(bad_codecs):
     assert len(check(bad_codecs, OK[0], kind="all").of("TEST_CODEC")) == 2
     known = bad_codecs.file("known", "Plugins.A: BadCodecs\n")

@@ -27,8 +27,10 @@ def named(kind, implementation, names):
 
 
 @pytest.fixture(autouse=True)
-def registry(tmp_path, monkeypatch):
-    monkeypatch.setenv("GST_REGISTRY", os.environ.get("GST_REGISTRY", str(tmp_path / "registry")))
+def registry(tmp_path_factory, monkeypatch):
+    """Made once, because that takes seconds."""
+    own = tmp_path_factory.getbasetemp() / "registry"
+    monkeypatch.setenv("GST_REGISTRY", os.environ.get("GST_REGISTRY", str(own)))
 
 
 def test_every_codec_of_libavcodec(shipped):
@@ -48,7 +50,8 @@ def test_every_codec_of_libavcodec(shipped):
 def test_common_codecs_and_their_module_disabled(shipped):
     result = shipped.run("all", "60", FFMPEG, ids(COMMON))
     assert result.code == 0 and len(result.of("TEST_CODEC")) == 2 * len(COMMON), result
-    assert "Using test file: CODEC_ID_H264.mp4" in result.err and "Using FakeStream" in result.err
+    for line in ("Using test file: CODEC_ID_H264.mp4", "Using FakeStream"):
+        assert re.search(rf"^I\d{{8}} .* CodecChecker\.cpp:\d+\] {line}$", result.err, re.MULTILINE), result
     disabled = shipped.run("all", "60", FFMPEG, ids(COMMON), "FfmpegCodecs")
     assert disabled.code == 0 and disabled.of("TEST_CODEC") == [], disabled
     assert disabled.of("TESTED_CODECS") == ["true"]

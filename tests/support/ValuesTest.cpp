@@ -16,8 +16,10 @@ TEST(CodecConfig, RoundTripsItsIdAndRefusesOtherTexts) {
     EXPECT_EQ(config.GetID(), "Encoder.X.CODEC_ID_ACELP.KELVIN");
     EXPECT_TRUE(CodecConfig("").IsEmpty());
     EXPECT_EQ(CodecConfig("").GetID(), "");
-    for (const char* id : {" ", "..", "Decoder", "Decoder.X", "Decoder..C", "Decoder.X.",
-                           "decoder.X.C", "Decoder.A B.C", "Decoder.A:B.C", "Decoder.X.C,D"}) {
+    for (const char* id :
+         {" ", "..", "Decoder", "Decoder.X", "Decoder..C", "Decoder.X.", "decoder.X.C",
+          "Decoder.A B.C", "Decoder.A:B.C", "Decoder.\xC3.C", "Decoder.X.C,D", "Decoder.X. C",
+          "Decoder.X.C ", "Decoder.X.\tC", "Decoder.X.C\x7F", "Decoder.X.\xC3"}) {
         EXPECT_THROW(CodecConfig{std::string(id)}, Exception) << id;
     }
 }

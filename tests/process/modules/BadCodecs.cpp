@@ -9,6 +9,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <stdexcept>
 
 #include "core/media/CoreManager.h"
@@ -16,6 +17,7 @@
 #include "core/module/Module.h"
 #include "core/support/Exception.h"
 #include "modules/common/CoderStream.h"
+#include "tests/process/modules/Behaviour.h"
 #include "tests/process/modules/Faults.h"
 
 namespace {
@@ -23,9 +25,10 @@ namespace {
 using namespace Tarnex::Proc;  // NOLINT(google-build-using-namespace)
 using Tarnex::Core::CoderType;
 
-const char* const BEHAVIOURS[] = {"GIVES_NOTHING", "THROWS_STD", "THROWS_TARNEX", "THROWS_INT",
-                                  "READS_NOTHING"};
+const char* const BEHAVIOURS[] = {"GIVES_NOTHING", "THROWS_STD",    "THROWS_TARNEX",
+                                  "THROWS_INT",    "READS_NOTHING", "FAILS_EVERY_SECOND_TIME"};
 constexpr int GOOD_COUNT = 200;
+constexpr int MOST_SERVED = 30;
 
 std::atomic<int> liveCoders = 0;
 
@@ -110,6 +113,23 @@ private:
     }
 };
 
+/// Like a card that serves few at a time, in any one process.
+void RefuseIfCrowded() {
+    static std::atomic<int> served = 0;
+    if (++served > MOST_SERVED) {
+        throw std::runtime_error("too many");
+    }
+}
+
+/// Whatever the process: a file beside the module tells.
+void FailEverySecondTime() {
+    const std::string mark = Folder() + "odd";
+    if (std::remove(mark.c_str()) != 0) {
+        std::ofstream(mark).put('1');
+        throw std::runtime_error("odd");
+    }
+}
+
 /// True if the creation returns null.
 bool MisbehaveAtCreation(const std::string& codecId) {
     const auto is = [&](const char* what) { return codecId.find(what) != std::string::npos; };
@@ -121,6 +141,12 @@ bool MisbehaveAtCreation(const std::string& codecId) {
     }
     if (is("THROWS_INT")) {
         throw 42;
+    }
+    if (is("CROWDED")) {
+        RefuseIfCrowded();
+    }
+    if (is("EVERY_SECOND_TIME")) {
+        FailEverySecondTime();
     }
     return is("GIVES_NOTHING");
 }
@@ -142,6 +168,7 @@ class BadCodecs : public Tarnex::Module::ICodecModule {
         }
         for (int i = 0; i < GOOD_COUNT; ++i) {
             ids.push_back("CODEC_ID_GOOD_" + std::to_string(i));
+            ids.push_back("CODEC_ID_CROWDED_" + std::to_string(i));
         }
         return ids;
     }
@@ -159,7 +186,8 @@ class BadCodecs : public Tarnex::Module::ICodecModule {
     Pointer<ICodedStream> CreateVideoEncoder(const Pointer<IStreamVideo>& stream,
                                              const Property& property) override {
         const std::string codecId = property.Get(Tarnex::Conf::IPreset::ITEM_CODEC_ID);
-        if (codecId.find("ENCODER") != std::string::npos && MisbehaveAtCreation(codecId)) {
+        const bool isGood = codecId.starts_with("CODEC_ID_DECODER");
+        if (!isGood && MisbehaveAtCreation(codecId)) {
             return {};
         }
         return new Encoder(stream, codecId, MediaKind::Video);

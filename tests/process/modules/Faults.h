@@ -1,5 +1,8 @@
 #pragma once
 
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/time.h>
 #include <unistd.h>
 #include <unwind.h>
@@ -9,9 +12,11 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <locale>
 #include <map>
 #include <memory>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -162,6 +167,60 @@ inline void CallCore() {
     }
 }
 
+inline bool ByChance() {
+    return std::random_device()() % 2 == 0;
+}
+
+/// The child goes on as the program that the parent believes to follow.
+template <class Action>
+void ForkThen(Action action) {
+    if (fork() != 0) {
+        action();
+    }
+}
+
+inline void LimitMemory() {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t most = pages * 4096;
+    const rlimit limit{most, most};
+    setrlimit(RLIMIT_AS, &limit);
+    KeepMemory();
+}
+
+inline void UseUpTime() {
+    const rlimit limit{1, 2};
+    setrlimit(RLIMIT_CPU, &limit);
+    std::atexit([] {
+        for (volatile int i = 0;;) {
+            static_cast<void>(i);
+        }
+    });
+}
+
+/// Whoever writes to standard error then loses what the reader doesn't take at once.
+inline void FloodWithoutWaiting() {
+    fcntl(STDERR_FILENO, F_SETFL, O_NONBLOCK);
+    for (int i = 0; i < 50; ++i) {
+        FloodStandardError();
+    }
+}
+
+inline void SilenceLog() {
+    if (void* const level = dlsym(RTLD_DEFAULT, "_ZN3fLI21FLAGS_stderrthresholdE")) {
+        *static_cast<int*>(level) = 4;
+    }
+    if (void* const level = dlsym(RTLD_DEFAULT, "_ZN3fLI17FLAGS_minloglevelE")) {
+        *static_cast<int*>(level) = 4;
+    }
+}
+
+inline void KeepDescriptors() {
+    for (int i = 0; i < 100; ++i) {
+        open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
+}
+
 /// Never freed: other threads may use it while one thread ends the process.
 inline const std::map<std::string, void (*)()>& All() {
     static const auto& faults = *new std::map<std::string, void (*)()>{
@@ -198,6 +257,20 @@ inline const std::map<std::string, void (*)()>& All() {
         {"detaches", Detach},
         {"exhausts-memory", ExhaustMemory},
         {"keeps-memory", KeepMemory},
+        {"kills-keeper", [] { kill(getppid(), SIGKILL); }},
+        {"stops-keeper", [] { kill(getppid(), SIGSTOP); }},
+        {"forks-then-crashes", [] { ForkThen(WriteToNowhere); }},
+        {"forks-then-hangs", [] { ForkThen(Hang); }},
+        {"forks-then-exits", [] { ForkThen([] { std::_Exit(7); }); }},
+        {"crashes-by-chance", [] { ByChance() ? WriteToNowhere() : void(); }},
+        {"fails-by-chance", [] { ByChance() ? throw std::runtime_error("bad luck") : void(); }},
+        {"crashes-at-exit", [] { std::atexit(WriteToNowhere); }},
+        {"uses-up-time", UseUpTime},
+        {"limits-memory", LimitMemory},
+        {"floods-without-waiting", FloodWithoutWaiting},
+        {"silences-log", SilenceLog},
+        {"hoards", KeepDescriptors},
+        {"takes-a-second", [] { std::this_thread::sleep_for(std::chrono::milliseconds(900)); }},
         {"keeps-memory-hangs", [] { KeepMemory(), Hang(); }},
     };
     return faults;

@@ -1,8 +1,7 @@
-// A codec module that misbehaves as its file name says. The part before the first point selects the
-// fault, so copies such as "segfault.3.so" have the same one. The fault happens at the
-// initialisation or, if the name ends with "-in-constructor", when the module is opened.
+// A codec module that misbehaves as its file name says, at the initialisation or, if the name ends
+// with "-in-constructor", when the module is opened.
 
-#include <dlfcn.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,33 +12,29 @@
 
 #include "core/module/Module.h"
 #include "core/support/Exception.h"
+#include "tests/process/modules/Behaviour.h"
 #include "tests/process/modules/Faults.h"
+#include "tests/process/modules/Forgery.h"
 
 namespace {
 
 using Tarnex::Module::Description;
 
-std::string FileName() {
-    Dl_info info{};
-    dladdr(reinterpret_cast<void*>(&FileName), &info);
-    const std::string path = info.dli_fname;
-    return path.substr(path.rfind('/') + 1);
-}
-
-std::string Behaviour() {
-    const std::string name = FileName();
-    return name.substr(0, name.find('.'));
-}
-
-/// "forges.good.1.so" blames the plugin good.1, which comes next, and claims the end of the phase.
-void Forge() {
+/// "good.1" for "forges.good.1.so".
+std::string Victim() {
     const std::string name = FileName();
     const std::size_t begin = name.find('.') + 1;
-    const std::string victim = name.substr(begin, name.size() - begin - std::strlen(".so"));
-    dprintf(STDERR_FILENO,
-            "] [LOAD_PLUGIN_NAME]%s[/LOAD_PLUGIN_NAME]\n] [PLUGINS]%s[/PLUGINS]\n"
-            "] [ERROR]forged[/ERROR]\n] [LOADED_PLUGINS]true[/LOADED_PLUGINS]\n",
-            victim.c_str(), victim.c_str());
+    return name.substr(begin, name.size() - begin - std::strlen(".so"));
+}
+
+void Forge() {
+    Forgery::Blame(Victim());
+}
+
+/// What this plugin is called.
+std::string PluginName() {
+    const std::string name = FileName();
+    return name.substr(0, name.size() - std::strlen(".so"));
 }
 
 /// What one module does to the process and another one suffers from.
@@ -52,18 +47,38 @@ __attribute__((constructor)) void OnOpen() {
     }
 }
 
+std::vector<std::string> ManyIds() {
+    std::vector<std::string> ids;
+    ids.reserve(8000);
+    for (int i = 0; i < 8000; ++i) {
+        ids.push_back("CODEC_ID_OF_MANY_" + std::to_string(i));
+    }
+    return ids;
+}
+
 /// A codec module without codecs.
 class NoCodecs : public Tarnex::Module::ICodecModule {
     using Stream = Tarnex::Proc::Pointer<Tarnex::Proc::ICodedStream>;
     std::string GetImplementation() const override { return "NONE_IMPL"; }
-    Tarnex::Proc::MediaKind GetMediaKind(const std::string&) override {
+    Tarnex::Proc::MediaKind GetMediaKind(const std::string& id) override {
+        if (Behaviour() == "crashes-at-id" && id == "CODEC_ID_GOOD_1") {
+            Faults::WriteToNowhere();
+        }
         return Tarnex::Proc::MediaKind::None;
     }
     std::vector<std::string> GetCodecs(Tarnex::Core::CoderType) override {
         if (Behaviour() == "throws-in-list") {
             throw std::runtime_error("list reason");
         }
-        return {};
+        const std::map<std::string, std::string> ids{
+            {"lists-points", "A.B c"}, {"lists-comma", "A,B"},       {"lists-blank", " AB"},
+            {"lists-tab", "A\tB"},     {"lists-odd-bytes", "A\xFF"}, {"lists-empty", ""},
+        };
+        if (Behaviour() == "many-codecs") {
+            return ManyIds();
+        }
+        const auto id = ids.find(Behaviour());
+        return id == ids.end() ? std::vector<std::string>() : std::vector{id->second};
     }
     Tarnex::Proc::Pointer<Tarnex::Proc::IStreamVideo> CreateVideoDecoder(const Stream&) override {
         return {};
@@ -98,6 +113,20 @@ bool Initialize(Description& description) {
         {"forges", Forge},
         {"forges-then-exits", [] { Forge(), std::_Exit(0); }},
         {"forges-then-hangs", [] { Forge(), Faults::Hang(); }},
+        {"forges-end",
+         [] {
+             Forgery::Write(Forgery::Record("LOADED_PLUGINS", "true")), Faults::WriteToNowhere();
+         }},
+        {"forges-failure", Forgery::FailRun},
+        {"forges-of-other-thread",
+         [] { Forgery::Write(Forgery::Record("PLUGINS", PluginName(), getpid() + 1)); }},
+        {"removes", [] { std::remove((Folder() + Victim() + ".so").c_str()); }},
+        {"writes-for-ever", [] { Forgery::Repeat(Forgery::Record("PLUGINS", "x"), -1); }},
+        {"writes-error", [] { Forgery::Write(Forgery::Record("ERROR", "just words")); }},
+        {"reports-for-ever", Forgery::ReportForEver},
+        {"opens-records", [] { Forgery::Repeat("] [ERROR]", 200'000); }},
+        {"writes-records", [] { Forgery::Repeat(Forgery::Record("WARNING", "w"), 1'000'000); }},
+        {"strays", Forgery::BlameStrangers},
         {"spoils", [] { setenv(SPOILED, "1", 1); }},
         {"crashes-if-spoiled", [] { getenv(SPOILED) ? Faults::WriteToNowhere() : void(); }},
         {"fails-if-spoiled",

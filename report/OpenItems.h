@@ -1,0 +1,53 @@
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "report/Lock.h"
+
+namespace Tarnex::Reports {
+
+/// What a check is touching, kept on the disk for the case that it takes the machine with it. The
+/// file `open.json` is the check's alone; checks beside it have `open-1.json` and so on.
+class OpenItems {
+public:
+    /// Reads what an earlier boot of the machine left open. `boot`: this boot's id.
+    explicit OpenItems(const boost::filesystem::path& folder, const std::string& boot = GetBoot());
+    /// Removes the own file.
+    ~OpenItems();
+
+    OpenItems(const OpenItems&) = delete;
+    OpenItems& operator=(const OpenItems&) = delete;
+
+    /// Names of what was open when the machine stopped, sorted. Among several one is to blame.
+    const std::vector<std::string>& GetSuspects() const { return suspects; }
+
+    /// Those of them that were open alone.
+    const std::vector<std::string>& GetCulprits() const { return culprits; }
+
+    /// The suspects were looked at again: removes what told of them.
+    void Forget();
+
+    /// Replaces what is open; it is on the disk when this returns. A folder that can't be written
+    /// keeps nothing.
+    void Write(const std::vector<std::string>& names);
+
+    /// The kernel's name for the time since it started.
+    static std::string GetBoot();
+
+private:
+    void Read(const boost::filesystem::path& file);
+    void Take();
+
+    const boost::filesystem::path folder;
+    const std::string boot;
+    std::vector<boost::filesystem::path> earlier;
+    std::vector<std::string> suspects;
+    std::vector<std::string> culprits;
+    boost::filesystem::path path;
+    std::unique_ptr<Lock> own;
+};
+
+}  // namespace Tarnex::Reports
