@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 /// Between two rounds of kills: a child that is killed while it forks leaves another child.
 constexpr int SWEEP_MILLISECONDS = 10;
 /// The keeper's own descriptors lie below.
-constexpr int FIRST_FOREIGN = STDERR_FILENO + 4;
+constexpr int FIRST_FOREIGN = STDERR_FILENO + 5;
 
 std::vector<char*> Pointers(const std::vector<std::string>& texts) {
     std::vector<char*> pointers;
@@ -46,7 +46,8 @@ public:
           folder(folder),
           owner(ends.owner.Get()),
           error(ends.error.Get()),
-          output(ends.output.Get()) {}
+          output(ends.output.Get()),
+          place(folder.GetDescriptor()) {}
 
     /// Ends by itself: what is thrown here must not reach the owner's code.
     [[noreturn]] void Run() noexcept {
@@ -57,7 +58,7 @@ public:
         }
         EndDescendants();
         static_cast<void>(!chdir("/"));
-        folder.Remove();
+        folder.Remove(place);
         message.last = true;
         Tell();
         _exit(EXIT_SUCCESS);
@@ -83,10 +84,10 @@ private:
     /// In numbers of their own, because `closefrom` works with every kernel.
     void KeepDescriptors() {
         int number = STDERR_FILENO;
-        for (int* kept : {&owner, &error, &output}) {
+        for (int* kept : {&owner, &error, &output, &place}) {
             *kept = fcntl(*kept, F_DUPFD_CLOEXEC, FIRST_FOREIGN);
         }
-        for (int* kept : {&owner, &error, &output}) {
+        for (int* kept : {&owner, &error, &output, &place}) {
             *kept = *kept < 0 ? -1 : dup3(*kept, ++number, O_CLOEXEC);
         }
         closefrom(number + 1);
@@ -218,6 +219,7 @@ private:
     const ProcessStart& start;
     const TemporaryFolder& folder;
     int owner, error, output;
+    int place;  // the folder's descriptor
     int children = -1;
     bool running = false;
     bool told = false;

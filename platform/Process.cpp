@@ -103,7 +103,7 @@ std::optional<ProcessReport> Process::TakeReport() {
     Receive();
     lost = lost || (!result && keeper->IsStopped());
     if (!result && lost && keeper->EndOrphans()) {
-        folder.Remove();
+        folder.Remove(folder.GetDescriptor());
         result.emplace(ProcessReport{});
         result->status = keeper->GetStatus(program.value_or(-1)).value_or(SIGKILL);
         result->keeperLost = true;

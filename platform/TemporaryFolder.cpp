@@ -1,5 +1,6 @@
 #include "platform/TemporaryFolder.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,6 +25,17 @@ fs::path MakeFolder() {
         }
     }
     throw std::system_error(errno, std::generic_category(), "can't make a folder in /tmp");
+}
+
+/// Where the folder is now; empty if it has gone.
+fs::path FindFolder(int descriptor) {
+    std::error_code ignored;
+    const fs::path path = fs::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
+    struct stat named {};
+    struct stat open {};
+    const bool isThere = lstat(path.c_str(), &named) == 0 && fstat(descriptor, &open) == 0 &&
+                         named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+    return isThere ? path : fs::path();
 }
 
 bool IsFolder(const fs::path& path) {
@@ -51,16 +63,13 @@ void Flatten(const fs::path& folder, const fs::path& into, std::deque<fs::path>&
     }
 }
 
-}  // namespace
-
-TemporaryFolder::TemporaryFolder() : path(MakeFolder()) {}
-
-void TemporaryFolder::Remove() const {
+/// The folders in it go through a new one beside `place`.
+void RemoveAll(const fs::path& path, const fs::path& place) {
     if (!IsFolder(path)) {
         unlink(path.c_str());  // A link that took its place is not followed.
         return;
     }
-    std::string into = path.native() + "-XXXXXX";
+    std::string into = place.native() + "-XXXXXX";
     if (mkdtemp(into.data()) == nullptr) {
         return;
     }
@@ -72,6 +81,18 @@ void TemporaryFolder::Remove() const {
         rmdir(folder.c_str());
     }
     rmdir(into.c_str());
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder()
+    : path(MakeFolder()), folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+
+void TemporaryFolder::Remove(int descriptor) const {
+    RemoveAll(path, path);
+    if (const fs::path moved = FindFolder(descriptor); !moved.empty()) {
+        RemoveAll(moved, path);
+    }
 }
 
 }  // namespace Tarnex::Platform

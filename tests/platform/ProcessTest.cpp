@@ -183,13 +183,17 @@ TEST(Process, RemovesItsFolderInAnyCase) {
     const std::string scripts[] = {
         "mkdir -p a/b/c; touch a/b/c/d; chmod 0 a/b/c a/b a .",
         "perl -e 'for (1..3000) { mkdir deep; chdir deep } chmod 0, \".\"'",
+        "mv $PWD $PWD.moved; mkdir $PWD; touch $PWD/late",
+        "mv $PWD $PWD.moved; ln -s /tmp $PWD; mkdir -p a/b; chmod 0 a .",
+        "mv $PWD $PWD.moved; kill -9 $PPID; sleep 100",
         "mkdir a; ln -s /tmp a/link; ln -s / b; mkfifo c; touch .hidden 0 1; chmod 400 a .",
     };
     for (const std::string& script : scripts) {
         EXPECT_EQ(WithoutRights([&] {
                       Process process = Shell("pwd; umask 0; " + script);
                       const auto lines = ReadLines(process);
-                      return lines.size() == 1 && !Exists(lines[0]) && Exists("/tmp");
+                      return lines.size() == 1 && !Exists(lines[0]) &&
+                             !Exists(lines[0] + ".moved") && Exists("/tmp");
                   }),
                   0)
             << script;
