@@ -45,7 +45,7 @@ public:
             if (options.codecs) {
                 RunPhase([this] { CheckAllCodecs(); });
             }
-        } catch (const CheckFailure& failure) {
+        } catch (const std::exception& failure) {
             AddProblem(failure.what());
         }
         Complete();

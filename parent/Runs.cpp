@@ -57,13 +57,23 @@ void Runs::Drain(const Next& next, const Take& take) {
             AdvanceAll(take);
         }
     } catch (...) {
-        waiting.clear();
-        for (const auto& run : std::exchange(active, {})) {
+        StopAll(take);
+        throw;
+    }
+}
+
+/// What goes wrong here doesn't keep the other runs from telling what they saw, and isn't the
+/// reason why all are stopped.
+void Runs::StopAll(const Take& take) {
+    waiting.clear();
+    for (const auto& run : std::exchange(active, {})) {
+        try {
             run->Stop();
             AddFacts(*run);
             take(*run);
+        } catch (const std::exception&) {
+            continue;
         }
-        throw;
     }
 }
 

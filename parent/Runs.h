@@ -48,6 +48,7 @@ private:
     void Await();
     void AdvanceAll(const Take& take);
     void Conclude(const Run& run, const Take& take);
+    void StopAll(const Take& take);
     void AddFacts(const Run& run);
     void Repeat(const Run& run);
     void TellOpen(const Job& job);
