@@ -107,9 +107,11 @@ void Vst3Instance::CreateController(const Vst3Factory& factory) {
         }
         void* created = nullptr;
         Step("createInstance, controller");
-        RequireOk(
-            factory.Call(&v3_plugin_factory::create_instance, id, v3_edit_controller_iid, &created),
-            "createInstance");
+        const v3_result result =
+            factory.Call(&v3_plugin_factory::create_instance, id, v3_edit_controller_iid, &created);
+        if (result != V3_OK || created == nullptr) {
+            throw Failure(fmt::format("createInstance gives no controller ({})", result));
+        }
         controller = Vst3Pointer<v3_edit_controller>(created);
         isControllerApart = true;
         Step("initialize, controller");
