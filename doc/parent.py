@@ -55,11 +55,12 @@ class Run:
     @property
     def failed_itself(self):
         """Assayer, not a module, ended the run: another one would give the same."""
-        if self.status == 3:
-            return not self.all("LOAD_PLUGIN_NAME") and not self.all("TEST_CODEC")
         tags = [tag for tag, _ in self.records if tag != "WARNING"]
-        closed = tags[-2:-1] in ([], ["LOADED_PLUGINS"], ["TESTED_CODECS"], ["CODECS"])
-        return self.status in (4, 5, 6) and tags[-1:] == ["ERROR"] and closed
+        if tags[-1:] != ["ERROR"]:
+            return False
+        if self.status == 3:
+            return "LOAD_PLUGIN_NAME" not in tags and "TEST_CODEC" not in tags
+        return self.status in (4, 5, 6) and tags[-2:-1] in ([], ["LOADED_PLUGINS"], ["TESTED_CODECS"], ["CODECS"])
 
 
 @dataclass
@@ -129,23 +130,41 @@ class Parent:
                 if name.strip()]  # fmt: skip
 
     def check_plugins(self):
+        named = set()
+        known = None
+        while known != (known := self.known_plugins()):
+            self.check_each_plugin(named)
+        never_named = [name for name in self.listed() if name not in named and self.has_module(name)]
+        self.bad += [name for name in never_named if self.is_bad_alone(name)]
+
+    def check_each_plugin(self, named):
+        """One round over the plugins; adds to `named` what a record named."""
         last = "-"
         while True:
-            result = self.run("plugins", plugins=self.bad + self.unsteady, after=last)
-            known = self.bad + self.unsteady
-            self.bad += [name for name in result.all("PLUGINS") if name not in known]
+            result = self.run("plugins", plugins=self.known_plugins(), after=last)
+            named.update(result.all("LOAD_PLUGIN_NAME"))
+            for name in result.all("PLUGINS"):
+                self.try_plugin(name)
             if result.all("LOADED_PLUGINS"):
                 return
             self.require_progress(result, result.all("LOAD_PLUGIN_NAME"))
             last = result.last("LOAD_PLUGIN_NAME")
-            if last not in self.bad:
-                self.try_plugin_alone(last)
+            self.try_plugin(last)
 
-    def try_plugin_alone(self, plugin):
+    def known_plugins(self):
+        return self.bad + self.unsteady
+
+    def has_module(self, plugin):
+        return (self.program.parent / f"{plugin}.so").exists()
+
+    def try_plugin(self, plugin):
+        if plugin not in self.known_plugins():
+            (self.bad if self.is_bad_alone(plugin) else self.unsteady).append(plugin)
+
+    def is_bad_alone(self, plugin):
         others = [name for name in ["OglManager", *self.listed()] if name != plugin]
         alone = self.run("plugins", plugins=others)
-        is_bad = not alone.all("LOADED_PLUGINS") or plugin in alone.all("PLUGINS")
-        (self.bad if is_bad else self.unsteady).append(plugin)
+        return not alone.all("LOADED_PLUGINS") or plugin in alone.all("PLUGINS")
 
     def check_codecs(self, codecs):
         while True:
@@ -173,14 +192,18 @@ class Parent:
         (self.broken if is_broken else self.passed).append(test)
 
     def get_core_up(self, codecs):
-        """Finds the one module without which the media core starts."""
+        """Finds the modules with which the media core doesn't start."""
         started = [name for name in self.listed(STARTED_BY_THE_CORE) if name not in self.bad]
-        for without in sorted(started, key=lambda name: name not in self.unsteady):
-            trial = self.run("codecs", self.implementations, codecs, [*self.bad, without])
-            if trial.all("TEST_CODEC") or trial.all("TESTED_CODECS"):
-                self.bad.append(without)
-                return
-        raise GaveUp("the media core doesn't start")
+        found = [name for name in started if not self.starts_without(codecs, [other for other in started if other != name])]
+        company = sorted(started, key=lambda name: name not in self.unsteady)
+        found = found or [name for name in company if self.starts_without(codecs, [name])][:1]
+        if not found:
+            raise GaveUp("the media core doesn't start")
+        self.bad += found
+
+    def starts_without(self, codecs, modules):
+        trial = self.run("codecs", self.implementations, codecs, [*self.bad, *modules])
+        return bool(trial.all("TEST_CODEC") or trial.all("TESTED_CODECS"))
 
     def check_all(self, codecs):
         self.check_plugins()
