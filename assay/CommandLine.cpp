@@ -45,7 +45,7 @@ public:
         AddCheck("plugins", "check the plugin modules");
         AddCheck("codecs", "check the codecs");
         AddCheck("all", "check the plugin modules, then the codecs");
-        AddInstallation(Add("list", "show what would be checked", List, STATUS_OF_OTHERS));
+        AddList(Add("list", "show what would be checked", List, STATUS_OF_OTHERS));
         AddShow(Add("show", "show the last summary, or all of one plugin or codec", Show,
                     STATUS_OF_REPORT));
         AddCollect(Add("collect", "make an installation with this machine's plugins", Collect,
@@ -162,6 +162,11 @@ private:
             ->capture_default_str();
     }
 
+    void AddList(CLI::App* command) {
+        AddInstallation(command);
+        command->add_flag("--json", arguments.json, "show it as one JSON object");
+    }
+
     void AddCollect(CLI::App* command) {
         AddPath(command, "--into", arguments.into, "where; by default in your own data folder");
         command->add_option("FOLDER", arguments.folders,
@@ -253,7 +258,7 @@ int RunParser(int argc, char** argv) {
 }  // namespace
 
 int RunCommandLine(int argc, char** argv) {
-    // Whoever reads along may leave; the report is written all the same.
+    // A reader of our output may go away; the report is written all the same.
     Platform::IgnoreWriteSignals();
     Platform::OccupyStandardDescriptors();
     const int status = RunParser(argc, argv);

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <unordered_map>
 
+#include "parent/ExerciseListing.h"
 #include "parent/Phases.h"
 
 namespace Tarnex::Parent {
@@ -36,7 +37,7 @@ public:
           plugins(std::move(items)) {}
 
     CheckResult Check() {
-        FindInterfaces();
+        FindInterfaces(plugins);
         try {
             RunPhase([this] { CheckPlugins(session, plugins); });
             if (options.plugins) {
@@ -58,16 +59,6 @@ private:
             phase();
         } catch (const PhaseFailure& failure) {
             AddProblem(failure.what());
-        }
-    }
-
-    void FindInterfaces() {
-        for (Item& plugin : plugins) {
-            if (plugin.interface.empty() && plugin.file) {
-                const auto interface =
-                    Installations::FindInterface(plugin.file->path, plugin.factory);
-                plugin.interface = Installations::TraitsOf(interface).name;
-            }
         }
     }
 
@@ -227,6 +218,15 @@ std::vector<Item> ListPlugins(const boost::filesystem::path& application) {
     return items;
 }
 
+void FindInterfaces(std::vector<Item>& plugins) {
+    for (Item& plugin : plugins) {
+        if (plugin.interface.empty() && plugin.file) {
+            const auto interface = Installations::FindInterface(plugin.file->path, plugin.factory);
+            plugin.interface = Installations::TraitsOf(interface).name;
+        }
+    }
+}
+
 CheckResult RunCheck(const CheckOptions& options, std::vector<Item> plugins, Carried carried,
                      CheckListener& listener) {
     return Checking(options, std::move(plugins), std::move(carried), listener).Check();
@@ -246,6 +246,21 @@ Listing ListCodecs(const CheckOptions& options, std::vector<Item> plugins,
     Session session(resolved, listener, result);
     Names leftOut;
     return ListCodecs(session, plugins, leftOut);
+}
+
+std::vector<Item> ListExercises(const CheckOptions& options, std::vector<Item> plugins,
+                                CheckListener& listener) {
+    const CheckOptions resolved = Resolve(options);
+    CheckResult result;
+    Session session(resolved, listener, result);
+    for (Item& plugin : plugins) {
+        // Nobody checked it yet; one that is bad shows that when it is listed.
+        plugin.verdict = plugin.file ? Verdict::Good : plugin.verdict;
+    }
+    const ExerciseRequests requests(session, plugins);
+    std::vector<Item> exercises;
+    ListExercises(session, requests, plugins, {}, exercises);
+    return exercises;
 }
 
 }  // namespace Tarnex::Parent

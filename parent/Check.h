@@ -106,6 +106,9 @@ struct CheckResult {
 /// `Tarnex::Exception` if plugins.list can't be read.
 std::vector<Item> ListPlugins(const boost::filesystem::path& application);
 
+/// Fills in what the plugins that have a file speak to their host. Reads those files.
+void FindInterfaces(std::vector<Item>& plugins);
+
 /// Checks an installation; see the options. `plugins` is what `ListPlugins` gave; an item that has
 /// a verdict other than `NotReached` (missing, or carried) isn't touched. Throws
 /// `Tarnex::Exception` for an installation without Assayer, or a list file that can't be written.
@@ -119,5 +122,11 @@ std::optional<Listing> AskForCodecs(const CheckOptions& options, CheckListener& 
 /// What the media core offers, without those `plugins` that are bad. Throws `Tarnex::Exception` if
 /// it can't be listed, else the same.
 Listing ListCodecs(const CheckOptions& options, std::vector<Item> plugins, CheckListener& listener);
+
+/// What is in the wanted modules, without using it: items of exercises, in the order of the
+/// plugins, whose interfaces have to be known. A module that can't be listed has one item without
+/// an id that says why. Needs a folder for lists, and throws the same.
+std::vector<Item> ListExercises(const CheckOptions& options, std::vector<Item> plugins,
+                                CheckListener& listener);
 
 }  // namespace Tarnex::Parent

@@ -175,11 +175,22 @@ def test_metrics_are_of_one_report(assay, app, home):
     assert metrics.read_text() == text
 
 
-def test_list_shows_what_would_be_checked(assay, app):
+def test_list_shows_what_would_be_checked(assay, app, installation):
+    shutil.copy(APP / "assayer-exercise", installation.directory)
+    installation.add_fixture("Filter", factory="FilterFactory")
+    installation.add("odd.1", factory="FilterFactory")
     lines = assay.run("list", *app).splitlines()
-    assert lines[:7] == ["OglManager", "  OglManager (no file)", "CodecFactory", "  good.1", "  segfault.1",
-                         "  throws-odd-bytes.1", "  BadCodecs"]  # fmt: skip
+    assert lines[:3] == ["LADSPA (FilterFactory)", "  Filter", "    filter"]
+    assert lines[3] == "  odd.1" and lines[4].startswith("    can't be listed: ") and "has no entry point" in lines[4]
+    assert lines[5:9] == ["own (CodecFactory)", "  good.1", "  segfault.1", "  throws-odd-bytes.1"]
+    assert lines[10:12] == ["unknown (OglManager)", "  OglManager (no file)"]
     assert f"Decoder.{IMPL}" in lines and f"Encoder.{IMPL}" in lines and "  CODEC_ID_GOOD_0" in lines
+    (installation.directory / "assayer-list").unlink()
+    listing = json.loads(assay.run("list", "--json", *app, status=3).splitlines()[0])
+    items = {item["name"]: item for item in listing["items"]}
+    assert not listing["complete"] and len(listing["problems"]) == 1
+    assert items["Filter/filter"] == {"kind": "exercise", "name": "Filter/filter", "plugin": "Filter", "id": "filter",
+                                      "interface": "LADSPA", "depth": "exercise", "verdict": "not-reached"}  # fmt: skip
 
 
 @not_sanitized
