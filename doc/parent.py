@@ -130,22 +130,22 @@ class Parent:
                 if name.strip()]  # fmt: skip
 
     def check_plugins(self):
-        named = set()
+        named = []
         known = None
         while known != (known := self.known_plugins()):
             self.check_each_plugin(named)
-        never_named = [name for name in self.listed() if name not in named and self.has_module(name)]
-        self.bad += [name for name in never_named if self.is_bad_alone(name)]
+            if any(name not in named and self.has_module(name) for name in self.listed()):
+                self.bad.append(named[-1])  # It forged the end.
 
     def check_each_plugin(self, named):
-        """One round over the plugins; adds to `named` what a record named."""
+        """One round over the plugins; adds to `named` what records name, in their order."""
         last = "-"
         while True:
             result = self.run("plugins", plugins=self.known_plugins(), after=last)
-            named.update(result.all("LOAD_PLUGIN_NAME"))
+            named += result.all("LOAD_PLUGIN_NAME")
             for name in result.all("PLUGINS"):
                 self.try_plugin(name)
-            if result.all("LOADED_PLUGINS"):
+            if result.all("STATISTICS"):
                 return
             self.require_progress(result, result.all("LOAD_PLUGIN_NAME"))
             last = result.last("LOAD_PLUGIN_NAME")
@@ -164,7 +164,7 @@ class Parent:
     def is_bad_alone(self, plugin):
         others = [name for name in ["OglManager", *self.listed()] if name != plugin]
         alone = self.run("plugins", plugins=others)
-        return not alone.all("LOADED_PLUGINS") or plugin in alone.all("PLUGINS")
+        return not alone.all("STATISTICS") or plugin in alone.all("PLUGINS")
 
     def check_codecs(self, codecs):
         while True:

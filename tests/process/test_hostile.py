@@ -24,6 +24,7 @@ PLUGINS = {
     "forks-then-hangs.1": ("hung", "3"),
     "forks-then-exits.1": ("ended", "7"),
     "forges-end.1": CRASHED,
+    "forges-all.1": ("unsteady", "0"),
     "forges-failure.1": ("ended", "4"),
     "forges-of-other-thread.1": FINE,
     "writes-error.1": FINE,

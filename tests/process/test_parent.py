@@ -56,6 +56,13 @@ def test_who_is_bad_in_company_only_is_met_once(installation, parent):
     assert (parent.bad, parent.unsteady, len(parent.runs)) == ([], ["crashes-if-spoiled.1"], 4)
 
 
+@not_sanitized
+def test_a_forged_end_hides_nobody(installation, parent):
+    installation.add("good.1", "forges-end.1", "exit.1", "forges-all.1", "segfault.1", "good.2")
+    parent.check_plugins()
+    assert (parent.bad, parent.unsteady) == (["forges-end.1", "exit.1", "forges-all.1", "segfault.1"], [])
+
+
 def test_records_survive_cuts_and_noise():
     text = (
         "noiseE1 1 a.cpp:1] [ERROR]cut at the limi\nE1 1 a.cpp:1] [CODECS]a.b.c[/CODECS]\nnoise"

@@ -65,9 +65,11 @@ inline void Repeat(const std::string& text, int count) {
 }
 
 inline void BlameStrangers() {
+    const std::string record = Record("LOAD_PLUGIN_NAME", "stranger ");
+    const std::size_t end = record.rfind("[/");
     std::string all;
     for (int i = 0; i < 250'000; ++i) {
-        all += Record("LOAD_PLUGIN_NAME", "stranger " + std::to_string(i));
+        all.append(record, 0, end).append(std::to_string(i)).append(record, end);
     }
     Write(all);
 }

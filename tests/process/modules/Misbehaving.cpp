@@ -117,6 +117,12 @@ bool Initialize(Description& description) {
          [] {
              Forgery::Write(Forgery::Record("LOADED_PLUGINS", "true")), Faults::WriteToNowhere();
          }},
+        {"forges-all",
+         [] {
+             Forgery::Write(Forgery::Record("LOADED_PLUGINS", "true") +
+                            Forgery::Record("STATISTICS", "{}"));
+             std::_Exit(0);
+         }},
         {"forges-failure", Forgery::FailRun},
         {"forges-of-other-thread",
          [] { Forgery::Write(Forgery::Record("PLUGINS", PluginName(), getpid() + 1)); }},
