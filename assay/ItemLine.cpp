@@ -34,8 +34,8 @@ std::string DescribeRest(const Item& item) {
     };
     add("{}", Reports::DescribeReason(item));
     add("while: {}", item.phase);
-    add("only after {}", fmt::to_string(fmt::join(item.company, ", ")));
-    add("spoils {}", fmt::to_string(fmt::join(item.spoils, ", ")));
+    add("fails only after {}", fmt::to_string(fmt::join(item.company, ", ")));
+    add("breaks {}", fmt::to_string(fmt::join(item.spoils, ", ")));
     add("{}", std::string(item.carried ? "known from before" : ""));
     const std::string text = fmt::to_string(fmt::join(parts, "; "));
     return item.package.empty() ? text : fmt::format("{} ({})", text, item.package);

@@ -138,8 +138,8 @@ void PrintDetails(Terminal& terminal, const Report& report, const Item& item) {
     PrintFact(terminal, "Means", std::string(Reports::ExplainVerdict(item.verdict)));
     PrintFact(terminal, "Reason", Reports::DescribeReason(item));
     PrintFact(terminal, "While", item.phase);
-    PrintFact(terminal, "Only after", names(item.company));
-    PrintFact(terminal, "Spoils", names(item.spoils));
+    PrintFact(terminal, "Fails only after", names(item.company));
+    PrintFact(terminal, "Breaks", names(item.spoils));
     PrintFact(terminal, "Input from",
               item.input.empty() ? "" : item.input + ", which ended its run");
     PrintFact(terminal, "Package", item.package);

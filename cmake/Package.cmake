@@ -4,7 +4,8 @@ install(FILES doc/Assayer.1 doc/assay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
 # The same layout as in the sources keeps the links between the documents valid.
 set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/assayer)
 install(FILES README.md ARCHITECTURE.md CHANGELOG.md CONTRIBUTING.md packaging/copyright DESTINATION ${documents})
-install(FILES doc/fleet.md doc/protocol.md doc/report.md doc/exercise.md doc/findings.md doc/modules.md doc/parent.py DESTINATION ${documents}/doc)
+install(FILES doc/application.md doc/exercise.md doc/figures.md doc/findings.md doc/fleet.md doc/modules.md
+  doc/parent.py doc/protocol.md doc/report.md DESTINATION ${documents}/doc)
 install(FILES fleet/alerts.yml DESTINATION ${documents}/fleet)
 # For each user to enable; the package enables nothing.
 install(FILES packaging/systemd/assayer-check.service packaging/systemd/assayer-check.timer

@@ -101,8 +101,8 @@ bool CompanySearch::IsSure(const Names& company, const Suspect& suspect) {
     return true;
 }
 
-/// A module can write records about others. Who is told of in a run that doesn't load it was
-/// blamed by such records: its trial counts, and whoever was bad in that run is suspected.
+/// A module can write records about others. A plugin that has records in a run that doesn't load
+/// it was blamed falsely: its trial counts, and whatever was bad in that run is suspected.
 bool CompanySearch::WasBlamedFalsely(const Suspect& suspect, const Names& company) {
     const Attempts attempts = Load(company, "company.list");
     if (!strays.names.contains(suspect.name) && strays.more == 0) {

@@ -62,7 +62,7 @@ private:
         if (plugin.verdict != Verdict::Good) {
             module.reason = plugin.reason.empty() ? Describe(plugin) : plugin.reason;
         } else if (!plugin.spoils.empty()) {
-            module.reason = fmt::format("spoils {}", fmt::join(plugin.spoils, ", "));
+            module.reason = fmt::format("breaks {}", fmt::join(plugin.spoils, ", "));
         }
         const std::string open = AddExercises(module);
         if (!module.reason.empty()) {

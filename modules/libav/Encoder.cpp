@@ -55,7 +55,7 @@ void Encoder::Open() {
     log.Check(avcodec_open2(coder.get(), &codec, nullptr), "opening");
 
     parameters = Own(avcodec_parameters_alloc());
-    log.Check(avcodec_parameters_from_context(parameters.get(), coder.get()), "describing");
+    log.Check(avcodec_parameters_from_context(parameters.get(), coder.get()), "reading its parameters");
     if (traits.complete != nullptr) {
         traits.complete(*parameters);
     }
@@ -95,7 +95,7 @@ Pointer<Proc::IData> Encoder::MakeNext() {
 void Encoder::Feed() {
     const Handle<AVFrame> frame = input->Next(*coder);
     isFed = true;
-    log.Check(avcodec_send_frame(coder.get(), frame.get()), "taking a frame");
+    log.Check(avcodec_send_frame(coder.get(), frame.get()), "sending it a frame");
 }
 
 Handle<AVPacket> Encoder::Complete(Handle<AVPacket> packet) const {

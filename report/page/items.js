@@ -50,7 +50,7 @@ function card(item, hosts) {
     item.accepted ? make('p', {class: 'quiet'}, 'Accepted: it doesn’t count as bad.') : null,
     item.carried ? make('p', {class: 'quiet'}, `Taken over from an earlier check${item.checked ? `, ${date(item.checked)}` : ''}; not touched this time.`) : null,
     item.remarks.map(remark => fact('Remark', foreign(remark))),
-    names('Only after', item.company), names('Spoils', item.spoils),
+    names('Fails only after', item.company), names('Breaks', item.spoils),
     item.input ? fact('Its input comes from', foreign(item.input), ', which ended its run') : null,
     item.path ? fact('File', foreign(item.path)) : null,
     repro(item), fullText(item));

@@ -58,7 +58,7 @@ function toItem(row, value) {
     path: string(from.path), carried: from.carried === true, accepted: from.accepted === true,
     remarks: list(from.remarks), company: list(from.company), spoils: list(from.spoils), repro: list(from.repro).map(string),
   };
-  if (!item.reason && item.spoils.length) item.reason = `spoils ${plural(item.spoils.length, 'item')}`;
+  if (!item.reason && item.spoils.length) item.reason = `breaks ${plural(item.spoils.length, 'item')}`;
   item.bad = BAD.has(item.verdict) && !item.accepted || item.spoils.length > 0;
   item.hay = [item.name, item.label, item.title, item.group, item.verdict, item.reason, item.package, item.path, item.text].join('\n').toLowerCase();
   return item;

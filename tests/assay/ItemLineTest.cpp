@@ -48,7 +48,7 @@ TEST(ItemLineTest, SaysEachThingOnce) {
         {MakeItem("curves", "ended", "standard error closed"),
          "ended     curves      standard error closed"},
         {codec, "ended     GStreamer AAC decoder  exit status 17"},
-        {spoiler, "good      a\xEF\xBF\xBD[2J       spoils b, c"},
+        {spoiler, "good      a\xEF\xBF\xBD[2J       breaks b, c"},
         {MakeItem("\xE6\xBC\xA2", "failed", "odd"), "failed    \xE6\xBC\xA2          odd"},
         {MakeItem("plain", "crashed", ""), "crashed   plain"}};
     for (const auto& [item, text] : rows) {

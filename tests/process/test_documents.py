@@ -32,7 +32,7 @@ def rows_of(document):
     return {int(code): words.lower() for codes, words in rows for code in codes.split(",")}
 
 
-@pytest.mark.parametrize("document", ["README.md", "doc/protocol.md", "doc/Assayer.1"])
+@pytest.mark.parametrize("document", ["doc/protocol.md", "doc/Assayer.1"])
 def test_exit_codes_are_those_of_the_header(document):
     codes = re.findall(r"EXIT_(\w+) = (\d+)", (ROOT / "run/ExitCodes.h").read_text())
     rows = rows_of(document)
