@@ -79,6 +79,16 @@ void ResolveNames(Parent::CheckOptions& options, const std::vector<Item>& plugin
     }
 }
 
+/// Hundreds may have been open together.
+std::string JoinFirst(const std::set<std::string>& names) {
+    constexpr std::size_t most = 10;
+    const auto end =
+        std::next(names.begin(), static_cast<std::ptrdiff_t>(std::min(names.size(), most)));
+    const std::string more =
+        names.size() > most ? fmt::format(" and {} more", names.size() - most) : "";
+    return fmt::format("{}{}", fmt::join(names.begin(), end, ", "), more);
+}
+
 std::unique_ptr<Collect::ModuleInstallation> MakeModules(const Arguments& arguments) {
     if (arguments.files.empty()) {
         return nullptr;
@@ -99,7 +109,9 @@ public:
                          : Collect::ChooseInstallation(arguments.app)),
           state(GetState(chosen.installation)),
           saving(MakeSaving()),
-          openItems(KeepsState() ? std::make_unique<Reports::OpenItems>(state.folder) : nullptr),
+          openItems(KeepsState() ? std::make_unique<Reports::OpenItems>(state.folder,
+                                                                        arguments.options.depth)
+                                 : nullptr),
           reporter(
               arguments, terminal, [this](Item& item) { FinishRepro(item); },
               [this](const std::vector<std::string>& names) { KeepOpen(names); }),
@@ -153,14 +165,31 @@ private:
         made.application = chosen.installation.GetDirectory();
         made.jobs = ChooseJobs(made.jobs);
         made.stop = stop.descriptor;
+        if (openItems) {
+            const auto& suspects = openItems->GetSuspects();
+            const auto& culprits = openItems->GetCulprits();
+            made.last.insert(suspects.begin(), suspects.end());
+            if (TakesOver()) {
+                made.spared.insert(culprits.begin(), culprits.end());
+            }
+        }
         return made;
     }
 
+    bool TakesOver() const { return arguments.onlyChanged || arguments.useKnown; }
+
     void TellOfFreeze() {
-        if (openItems && !openItems->GetSuspects().empty()) {
-            report.notes.push_back(
-                fmt::format("The machine stopped while these were being checked: {}",
-                            fmt::join(openItems->GetSuspects(), ", ")));
+        std::set<std::string> last = options.last;
+        std::erase_if(last, [this](const auto& name) { return options.spared.contains(name); });
+        if (!last.empty()) {
+            report.notes.push_back("The machine stopped while these were being checked: " +
+                                   JoinFirst(last) + "; they come last and one at a time");
+        }
+        if (!options.spared.empty()) {
+            report.notes.push_back("The machine stopped while this was being checked by itself: " +
+                                   JoinFirst(options.spared) +
+                                   "; it isn't touched now, only by a check without --known and "
+                                   "--only-changed");
         }
     }
 
@@ -188,8 +217,7 @@ private:
         if (!arguments.known.empty()) {
             return Reports::ReadKnown(arguments.known);
         }
-        const bool isAsked = arguments.onlyChanged || arguments.useKnown;
-        return isAsked ? state.Read(report.notes) : Reports::Known();
+        return TakesOver() ? state.Read(report.notes) : Reports::Known();
     }
 
     bool MustRun(const std::vector<Item>& plugins, const Parent::Carried& carried) const {
@@ -221,24 +249,49 @@ private:
     }
 
     int Conclude() {
-        if (openItems && report.complete) {
-            openItems->Forget();
-        }
         int status = GetStatus(report);
         const int signal = stop.Take();
         status = !report.complete && signal > 0 ? STATUS_SIGNAL + signal : status;
-        if (!report.runs.empty() || !arguments.report.empty()) {
+        if (!report.runs.empty() || !arguments.report.empty() || HasSpared()) {
             Describe();
             if (!Save()) {
                 status = STATUS_INCOMPLETE;
             }
         }
+        ForgetFreeze();
         PrintSummary(terminal, report);
         if (KeepsState() ? !saving.GetReport().empty() : !arguments.report.empty()) {
             terminal.Line("report: " + saving.GetReport().string());
         }
         reporter.Close(report, status);
         return status;
+    }
+
+    /// A verdict that no run gave.
+    bool HasSpared() const {
+        return std::ranges::any_of(report.items, [this](const Item& item) {
+            return options.spared.contains(item.name) && !item.carried;
+        });
+    }
+
+    /// Suspects that came through it are none any more, nor are those that went.
+    void ForgetFreeze() const {
+        if (!openItems || options.last.empty() || !report.complete) {
+            return;
+        }
+        std::set<std::string> there, touched;
+        for (const Item& item : report.items) {
+            there.insert(item.name);
+            if (!item.carried && !options.spared.contains(item.name)) {
+                touched.insert(item.name);
+            }
+        }
+        const bool isWhole = options.plugins && options.codecs && options.pluginNames.empty() &&
+                             options.codecIds.empty() && options.implementations.empty() &&
+                             options.skip.empty();
+        openItems->Forget([&](const std::string& name) {
+            return touched.contains(name) || (isWhole && !there.contains(name));
+        });
     }
 
     void Describe() {

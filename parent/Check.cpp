@@ -38,6 +38,7 @@ public:
 
     CheckResult Check() {
         FindInterfaces(plugins);
+        session.Spare(plugins);
         try {
             RunPhase([this] { CheckPlugins(session, plugins); });
             if (options.plugins) {
@@ -72,6 +73,7 @@ private:
             NoteUnknown(listing);
             TakeCarried();
         }
+        session.Spare(codecs);
         std::erase_if(codecs, [this](const Item& item) { return !options.Wants(item); });
         TellPlugins([](const Item& plugin) { return !IsOfCore(plugin.factory); });
         for (const Item& item : codecs) {
@@ -115,7 +117,7 @@ private:
     /// Also in a check of codecs alone a plugin counts that the media core has to start without.
     bool IsPart(const Item& plugin) const {
         return options.Wants(plugin) || !plugin.phase.empty() || !plugin.spoils.empty() ||
-               (plugin.carried && IsBad(plugin.verdict));
+               (options.codecs && IsBad(plugin.verdict));
     }
 
     void TellPlugins(const std::function<bool(const Item&)>& which) {

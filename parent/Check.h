@@ -23,7 +23,11 @@ struct CheckOptions {
     std::vector<std::string> implementations;  ///< empty: all
     std::vector<std::string> codecIds;         ///< empty: all
     std::vector<std::string> skip;             ///< names of items that are left out
-    std::string depth = "exercise";            ///< or "load" or "stress"
+    /// Items that come after all others of their phase, one at a time.
+    std::set<std::string> last;
+    /// Items that aren't touched: the machine stopped with them alone.
+    std::set<std::string> spared;
+    std::string depth = "exercise";  ///< or "load" or "stress"
     std::chrono::seconds itemTime{20};
     std::optional<std::chrono::seconds> time;  ///< for the whole check; none: as long as it takes
     unsigned int jobs = 1;                     ///< runs side by side, at least 1

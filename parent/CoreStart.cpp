@@ -84,6 +84,7 @@ private:
         }
         Job job = session.MakeHelperJob(session.installation.GetLister(), arguments, Follower());
         job.keepOutput = true;
+        job.unnamed = names;
         job.startTime = job.wholeTime = time;
         Start start;
         session.runs.RunAll({job}, [&](const Run& run) {

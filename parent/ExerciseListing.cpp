@@ -36,7 +36,7 @@ public:
             if (carried.listed.contains(plugin.name)) {
                 found[plugin.name] = known[plugin.name];
             } else {
-                modules.push_back(plugin.name);
+                (session.IsLast(plugin.name) ? last : modules).push_back(plugin.name);
             }
         }
     }
@@ -44,6 +44,10 @@ public:
     std::vector<Item> List() {
         session.runs.progress.phase = "listing";
         while (!modules.empty() && ListAll()) {
+        }
+        for (const std::string& module : last) {
+            modules = {module};
+            ListAll();
         }
         for (const auto& [module, seen] : std::vector(suspects)) {
             ListAlone(module, seen);
@@ -149,7 +153,7 @@ private:
     Session& session;
     const ExerciseRequests& requests;
     const std::vector<Item>& plugins;
-    Names modules;
+    Names modules, last;
     std::unordered_map<std::string, std::vector<Item>> known, found;  // by module
     std::vector<std::pair<std::string, Attempt>> suspects;            // modules
 };

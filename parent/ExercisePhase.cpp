@@ -103,6 +103,7 @@ void CheckExercises(Session& session, const std::vector<Item>& plugins, const Ca
         exercises.clear();  // The listing told which libraries the modules rest on.
         return;
     }
+    session.Spare(exercises);
     for (const Item& item : exercises) {
         if (item.verdict != Verdict::NotReached) {
             session.Tell(item);

@@ -33,12 +33,21 @@ public:
 
 private:
     void CheckAll() {
-        const Names wanted = Loadable();
-        session.runs.progress = {"plugins", 0, wanted.size(), {}, {}};
-        while (session.runs.progress.total > 0 && Loop()) {
+        const std::size_t most = Loadable(false).size();
+        const Names last = Loadable(true);
+        session.runs.progress = {"plugins", 0, most + last.size(), {}, {}};
+        while (most > 0 && Loop()) {
         }
         spoilersOfEnd = FindSpoilersOfEnd(session, loads, loadedAtBadEnd);
         CompanySearch search(session, loads, byName);
+        TryAll(search);
+        for (const std::string& name : last) {
+            Load(loads.MakeJob({name}, session.NextFile("last", "list")));
+        }
+        TryAll(search);
+    }
+
+    void TryAll(CompanySearch& search) {
         while (!suspects.empty()) {
             session.runs.progress.phase = "trials";
             std::vector<Victim> unsteady = TryThem();
@@ -73,10 +82,11 @@ private:
         return item.verdict == Verdict::NotReached && session.options.Wants(item);
     }
 
-    Names Loadable() const {
+    Names Loadable(bool last) const {
         Names names;
         for (const Item& item : plugins) {
-            if (IsOpen(item) && !culprits.contains(item.name)) {
+            if (IsOpen(item) && session.IsLast(item.name) == last &&
+                !culprits.contains(item.name)) {
                 names.push_back(item.name);
             }
         }
@@ -85,10 +95,18 @@ private:
 
     /// One run over what is left; false once all was loaded.
     bool Loop() {
+        loadedAtBadEnd.clear();
+        return Load(loads.MakeJob(Loadable(false), "known.list", after));
+    }
+
+    /// Whether the run left something to load.
+    bool Load(Job job) {
         bool goesOn = false;
         std::optional<Follower> unwatched;
-        session.runs.RunAll({loads.MakeJob(Loadable(), "known.list", after)}, [&](const Run& run) {
-            loadedAtBadEnd = EndsBadly(run) ? run.job.follower.begun : Names();
+        session.runs.RunAll({std::move(job)}, [&](const Run& run) {
+            if (EndsBadly(run)) {
+                loadedAtBadEnd = run.job.follower.begun;
+            }
             if (run.job.follower.unwatched) {
                 unwatched = run.job.follower;
             } else {
@@ -153,7 +171,9 @@ private:
         TrySuspects(
             session.runs, tried,
             [this](const std::string& name) {
-                return loads.MakeJob({name}, session.NextFile("alone", "list"));
+                Job job = loads.MakeJob({name}, session.NextFile("alone", "list"));
+                job.quiet = session.IsLast(name);
+                return job;
             },
             [this](const Suspect& suspect) { Decide(suspect); });
         std::vector<Victim> unsteady;

@@ -23,6 +23,7 @@ struct Job {
     boost::filesystem::path program;
     Names arguments;
     Follower follower;
+    Names unnamed{};                   ///< what it touches without naming it
     std::chrono::seconds startTime{};  ///< to the first item
     std::chrono::seconds stepTime{};   ///< from each sign of progress to the next, and to the end
     std::chrono::seconds wholeTime{};  ///< whatever it writes

@@ -121,6 +121,7 @@ void Runs::Start(Job job) {
 
 void Runs::TellOpen(const Job& job) {
     Names names = job.follower.expected;
+    names.insert(names.end(), job.unnamed.begin(), job.unnamed.end());
     for (const auto& run : active) {
         std::ranges::move(run->job.follower.Untouched(), std::back_inserter(names));
     }

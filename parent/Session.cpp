@@ -94,6 +94,17 @@ std::string Session::NextFile(const std::string& stem, const char* extension) {
     return fmt::format("{}-{}.{}", stem, ++files, extension);
 }
 
+void Session::Spare(std::vector<Item>& items) const {
+    for (Item& item : items) {
+        const bool isThere = item.verdict != Verdict::Missing;
+        const bool isKnown = item.carried && EndsRuns(item.verdict);
+        if (options.spared.contains(item.name) && isThere && !isKnown) {
+            item.carried = false;
+            Judge(item, StoppedMachine(), StoppedMachine());
+        }
+    }
+}
+
 void Session::Tell(const Item& item) {
     if (told.insert(&item).second) {
         listener.OnVerdict(item);

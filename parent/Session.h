@@ -38,6 +38,11 @@ public:
     /// "STEM-7.json", each number once.
     std::string NextFile(const std::string& stem, const char* extension);
 
+    /// Whether it comes after all others of its phase, with nothing beside it.
+    bool IsLast(const std::string& item) const { return options.last.contains(item); }
+    /// Decides those items that mustn't be touched.
+    void Spare(std::vector<Item>& items) const;
+
     /// Tells the listener, each item once.
     void Tell(const Item& item);
     void Note(const std::string& text);

@@ -36,15 +36,29 @@ Testing::Testing(Session& session, TestKind& kind, std::vector<Item>& items)
 
 void Testing::Check(std::deque<Names> wanted) {
     groups = std::move(wanted);
-    for (const Names& group : groups) {
+    Names last;
+    const auto isLast = [this](const std::string& test) { return session.IsLast(test); };
+    for (Names& group : groups) {
+        std::ranges::copy_if(group, std::back_inserter(last), isLast);
+        std::erase_if(group, isLast);
         left += group.size();
     }
+    std::erase_if(groups, [](const Names& group) { return group.empty(); });
     session.runs.progress.done = 0;
-    session.runs.progress.total = left;
+    session.runs.progress.total = left + last.size();
     session.runs.Drain([this] { return NextBatch(); }, [this](const Run& run) { TakeBatch(run); });
-    session.runs.progress.phase = "trials";
+    LookAtBad();
+    for (const std::string& test : last) {
+        session.runs.RunAll({kind.MakeJob({test})}, [this](const Run& run) { TakeBatch(run); });
+    }
+    LookAtBad();
+}
+
+void Testing::LookAtBad() {
+    const std::string_view phase = std::exchange(session.runs.progress.phase, "trials");
     TryAlone();
     LookAgain();
+    session.runs.progress.phase = phase;
 }
 
 /// What a run didn't come to, else the next tests.
@@ -155,8 +169,14 @@ void Testing::TryAlone() {
         }
         Decide(item);
     };
+    std::vector<Suspect> suspects = std::exchange(culprits, {});
     TrySuspects(
-        session.runs, culprits, [this](const std::string& test) { return kind.MakeTrial(test); },
+        session.runs, suspects,
+        [this](const std::string& test) {
+            Job job = kind.MakeTrial(test);
+            job.quiet = session.IsLast(test);
+            return job;
+        },
         decide);
 }
 

@@ -38,9 +38,9 @@ public:
     /// they are.
     Testing(Session& session, TestKind& kind, std::vector<Item>& items);
 
-    /// `groups`: the wanted tests, those together that a run should do together. Throws as
+    /// `wanted`: the tests, those together that a run should do together. Throws as
     /// `Runs::Drain` does; what is decided by then is decided.
-    void Check(std::deque<Names> groups);
+    void Check(std::deque<Names> wanted);
 
     /// Those of the last run that ended badly after them.
     const Names& GetTestsOfBadEnd() const { return testsOfBadEnd; }
@@ -48,6 +48,7 @@ public:
     Item& Find(const std::string& name) { return *byName.at(name); }
 
 private:
+    void LookAtBad();
     std::optional<Job> NextBatch();
     Names Deal();
     std::size_t CountThatFit(const Names& tests) const;

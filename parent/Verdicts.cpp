@@ -74,6 +74,14 @@ Attempt KilledKeeper() {
     return {.verdict = Verdict::Ended, .reason = KILLED_KEEPER};
 }
 
+Attempt StoppedMachine() {
+    return {.verdict = Verdict::Crashed,
+            .reason = "the machine stopped",
+            .text =
+                "The machine stopped while nothing but this was being checked. A check without "
+                "--known and --only-changed tries it again.\n"};
+}
+
 Attempt MakeFailure(const std::string& text) {
     return {.verdict = Verdict::Failed, .reason = FirstLine(text), .text = text};
 }

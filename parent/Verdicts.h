@@ -30,6 +30,9 @@ Attempt ClosedError();
 /// The attempt at an item that killed or stopped the process that watched its run.
 Attempt KilledKeeper();
 
+/// The attempt at an item that was open alone when the machine stopped.
+Attempt StoppedMachine();
+
 /// The attempt at an item that was reported with this text.
 Attempt MakeFailure(const std::string& text);
 

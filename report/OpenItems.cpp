@@ -20,6 +20,11 @@ fs::path GetFile(const fs::path& folder, int number) {
     return folder / (number == 0 ? "open.json" : fmt::format("open-{}.json", number));
 }
 
+/// No plugin and no codec test has such a name.
+bool IsExercise(const std::string& name) {
+    return name.find('/') != std::string::npos;
+}
+
 bool WriteAll(int file, const std::string& text) {
     return pwrite(file, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size()) &&
            ftruncate(file, static_cast<off_t>(text.size())) == 0 && fdatasync(file) == 0;
@@ -27,7 +32,8 @@ bool WriteAll(int file, const std::string& text) {
 
 }  // namespace
 
-OpenItems::OpenItems(const fs::path& folder, const std::string& boot) : folder(folder), boot(boot) {
+OpenItems::OpenItems(const fs::path& folder, const std::string& depth, const std::string& boot)
+    : folder(folder), depth(depth), boot(boot) {
     boost::system::error_code ignored;
     for (int i = 0; i < MAX_FILES; ++i) {
         try {
@@ -49,22 +55,25 @@ OpenItems::~OpenItems() {
 
 void OpenItems::Read(const fs::path& file) {
     const Json json = ParseJson(ReadText(file));
-    const auto names = json.at("names").get<std::vector<std::string>>();
+    auto names = json.at("names").get<std::vector<std::string>>();
     if (json.at("boot") == boot) {
         return;
     }
-    earlier.push_back(file);
-    suspects.insert(suspects.end(), names.begin(), names.end());
-    if (names.size() == 1) {
-        culprits.push_back(names.front());
+    if (json.at("depth") == depth || !std::ranges::any_of(names, IsExercise)) {
+        suspects.insert(suspects.end(), names.begin(), names.end());
+        if (names.size() == 1) {
+            culprits.push_back(names.front());
+        }
+        earlier[file] = std::move(names);
+    } else {
+        others.insert(file);
     }
 }
 
-void OpenItems::Forget() {
-    for (const fs::path& file : earlier) {
-        unlink(file.c_str());
-    }
-    earlier.clear();
+void OpenItems::Forget(const std::function<bool(const std::string&)>& isDone) {
+    std::erase_if(earlier, [&](const auto& entry) {
+        return std::ranges::all_of(entry.second, isDone) && unlink(entry.first.c_str()) == 0;
+    });
 }
 
 void OpenItems::Write(const std::vector<std::string>& names) {
@@ -72,7 +81,7 @@ void OpenItems::Write(const std::vector<std::string>& names) {
         Take();
     }
     if (own) {
-        const Json json{{"boot", boot}, {"names", names}};
+        const Json json{{"boot", boot}, {"depth", depth}, {"names", names}};
         static_cast<void>(
             WriteAll(own->GetFile(), json.dump(-1, ' ', false, Json::error_handler_t::replace)));
     }
@@ -85,7 +94,8 @@ void OpenItems::Take() {
     for (int i = 0; i < MAX_FILES; ++i) {
         const fs::path file = GetFile(folder, i);
         const bool isThere = fs::exists(file, ignored);
-        if (std::ranges::find(earlier, file) != earlier.end() || (own && !isThere)) {
+        const bool isNeeded = earlier.contains(file) || others.contains(file);
+        if (isNeeded || (own && !isThere)) {
             continue;
         }
         auto lock = std::make_unique<Lock>(file, std::chrono::milliseconds(0));

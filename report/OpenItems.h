@@ -1,7 +1,10 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,8 +16,10 @@ namespace Tarnex::Reports {
 /// file `open.json` is the check's alone; checks beside it have `open-1.json` and so on.
 class OpenItems {
 public:
-    /// Reads what an earlier boot of the machine left open. `boot`: this boot's id.
-    explicit OpenItems(const boost::filesystem::path& folder, const std::string& boot = GetBoot());
+    /// Reads what an earlier boot of the machine left open. `depth`: of this check; exercises that
+    /// were open at another one don't count. `boot`: this boot's id.
+    OpenItems(const boost::filesystem::path& folder, const std::string& depth,
+              const std::string& boot = GetBoot());
     /// Removes the own file.
     ~OpenItems();
 
@@ -27,8 +32,8 @@ public:
     /// Those of them that were open alone.
     const std::vector<std::string>& GetCulprits() const { return culprits; }
 
-    /// The suspects were looked at again: removes what told of them.
-    void Forget();
+    /// Removes what tells of suspects, unless one of those that were open together isn't done.
+    void Forget(const std::function<bool(const std::string&)>& isDone);
 
     /// Replaces what is open; it is on the disk when this returns. A folder that can't be written
     /// keeps nothing.
@@ -42,8 +47,11 @@ private:
     void Take();
 
     const boost::filesystem::path folder;
+    const std::string depth;
     const std::string boot;
-    std::vector<boost::filesystem::path> earlier;
+    /// Files of earlier boots, and what they tell.
+    std::map<boost::filesystem::path, std::vector<std::string>> earlier;
+    std::set<boost::filesystem::path> others;  ///< those that don't count for this check
     std::vector<std::string> suspects;
     std::vector<std::string> culprits;
     boost::filesystem::path path;

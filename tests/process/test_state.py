@@ -89,3 +89,27 @@ def test_a_folder_of_trusted_modules_is_what_hosts_list(assay, app, home):  # no
     (home / "trusted/ladspa/.assayer-trusted").unlink()
     (home / "trusted/ladspa/mine.so").write_text("")
     assert "holds other files" in assay.run(*trusted, status=3)
+
+
+@not_sanitized
+def test_what_was_open_when_the_machine_stopped_comes_last_and_alone(assay, app, installation, home):  # noqa: F811
+    victim = "crashes-if-spoiled.1"
+    installation.add("spoils.1", victim, "good.2")
+
+    def check_after_freeze(names, *options):
+        """A check of the boot after the one that stopped: verdicts, notes, and whether the file is still there."""
+        file = (home / ".local/state/assayer/report.json").resolve().parents[1] / "open.json"
+        file.write_text(json.dumps({"boot": "earlier", "depth": "exercise", "names": names}))
+        assay.run("plugins", *app, *options, status=1)
+        report = json.loads((home / ".local/state/assayer/report.json").read_text())
+        return {item["name"]: item for item in report["items"]}, "\n".join(report["notes"]), file.exists()
+
+    assay.run("plugins", *app, status=1)
+    items, notes, is_kept = check_after_freeze([victim, "segfault.1"])
+    assert (items[victim]["verdict"], items["segfault.1"]["verdict"]) == ("good", "crashed")
+    assert f"{victim}, segfault.1; they come last" in notes and not is_kept
+    items, notes, is_kept = check_after_freeze(["good.2"], "--known")
+    assert (items["good.2"]["verdict"], items["good.2"]["reason"]) == ("crashed", "the machine stopped")
+    assert "good.2; it isn't touched now" in notes and is_kept
+    items, notes, is_kept = check_after_freeze(["good.2"])
+    assert items["good.2"]["verdict"] == "good" and not is_kept

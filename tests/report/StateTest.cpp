@@ -170,25 +170,28 @@ TEST_F(StateTest, KeysAreThoseOfThePath) {
 TEST_F(StateTest, TellsWhatWasOpenWhenTheMachineStopped) {
     fs::create_directories(root);
     {
-        OpenItems one(root, "first");
-        OpenItems two(root, "first");
+        OpenItems one(root, "stress", "first");
+        OpenItems two(root, "stress", "first");
         one.Write({"amp", "gain"});
-        two.Write({"slow"});
+        two.Write({"slow/fx"});
         fs::copy_file(root / "open.json", root / "kept");
         fs::copy_file(root / "open-1.json", root / "kept-1");
     }
     EXPECT_FALSE(fs::exists(root / "open.json")) << "both ended";
     fs::rename(root / "kept", root / "open.json");
     fs::rename(root / "kept-1", root / "open-1.json");
-    EXPECT_TRUE(OpenItems(root, "first").GetSuspects().empty()) << "only the check was killed";
-    OpenItems later(root, "second");
-    EXPECT_THAT(later.GetSuspects(), testing::ElementsAre("amp", "gain", "slow"));
-    EXPECT_THAT(later.GetCulprits(), testing::ElementsAre("slow"));
+    EXPECT_TRUE(OpenItems(root, "stress", "first").GetSuspects().empty()) << "the check was killed";
+    EXPECT_THAT(OpenItems(root, "load", "second").GetSuspects(),
+                testing::ElementsAre("amp", "gain"));
+    OpenItems later(root, "stress", "second");
+    EXPECT_THAT(later.GetSuspects(), testing::ElementsAre("amp", "gain", "slow/fx"));
+    EXPECT_THAT(later.GetCulprits(), testing::ElementsAre("slow/fx"));
     later.Write({"amp"});
     EXPECT_TRUE(fs::exists(root / "open.json")) << "still needed";
     EXPECT_TRUE(fs::exists(root / "open-2.json"));
-    later.Forget();
-    EXPECT_THAT(OpenItems(root, "third").GetCulprits(), testing::ElementsAre("amp"));
+    later.Forget([](const std::string& name) { return name != "gain"; });
+    EXPECT_THAT(OpenItems(root, "stress", "third").GetSuspects(),
+                testing::ElementsAre("amp", "amp", "gain"));
 }
 
 }  // namespace
