@@ -55,7 +55,8 @@ void Encoder::Open() {
     log.Check(avcodec_open2(coder.get(), &codec, nullptr), "opening");
 
     parameters = Own(avcodec_parameters_alloc());
-    log.Check(avcodec_parameters_from_context(parameters.get(), coder.get()), "reading its parameters");
+    log.Check(avcodec_parameters_from_context(parameters.get(), coder.get()),
+              "reading its parameters");
     if (traits.complete != nullptr) {
         traits.complete(*parameters);
     }
