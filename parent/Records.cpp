@@ -75,7 +75,7 @@ void RecordReader::Feed(std::string_view bytes) {
     while (Step()) {
     }
     if (tag.empty()) {
-        Discard(seen - std::min(seen, LONGEST_PREFIX));
+        Discard(seen - std::min(seen, LONGEST_PREFIX + MARK.size()));
     }
     if (begin > buffer.size() / 2) {
         buffer.erase(0, begin);
@@ -130,7 +130,10 @@ bool RecordReader::IsLineBegin(std::size_t at) const {
 /// only by one with a prefix, at the beginning of a line or of the same thread.
 std::optional<RecordReader::Opening> RecordReader::FindOpening(std::size_t at) const {
     const std::string_view text = buffer;
-    const std::size_t mark = at + 1 - std::min(at + 1, MARK.size());
+    if (at + 1 < begin + MARK.size()) {
+        return std::nullopt;  // The first bracket of the mark is that of the tag before it.
+    }
+    const std::size_t mark = at + 1 - MARK.size();
     if (!text.substr(mark).starts_with(MARK)) {
         return std::nullopt;
     }

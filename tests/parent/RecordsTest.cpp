@@ -43,6 +43,7 @@ TEST(Records, AreFoundWhereverThePiecesEnd) {
         // Somebody else's.
         {"] [PLUGINS]amp[/PLUGINS]", "PLUGINS?amp;"},
         {"E1 a.cpp:1] [PLUGINS]amp[/PLUGINS]", "PLUGINS?amp;E1 a.cpp:1"},
+        {"] [PLUGINS] [PLUGINS]amp[/PLUGINS]", "PLUGINS? [PLUGINS]amp;"},
         // A name may look like a record.
         {PREFIX + "] [PLUGINS]a] [ERROR]b[/PLUGINS]", "PLUGINS=a] [ERROR]b;"},
         {PREFIX + "] [PLUGINS]E20261123 07:45:31.9 1 a.cpp:1] [ERROR]b[/PLUGINS]",
