@@ -141,6 +141,7 @@ class Parent:
         """One round over the plugins; adds to `named` what records name, in their order."""
         last = "-"
         while True:
+            before = last, self.known_plugins()
             result = self.run("plugins", plugins=self.known_plugins(), after=last)
             named += result.all("LOAD_PLUGIN_NAME")
             for name in result.all("PLUGINS"):
@@ -150,6 +151,7 @@ class Parent:
             self.require_progress(result, result.all("LOAD_PLUGIN_NAME"))
             last = result.last("LOAD_PLUGIN_NAME")
             self.try_plugin(last)
+            self.require_progress(result, before != (last, self.known_plugins()))
 
     def known_plugins(self):
         return self.bad + self.unsteady
